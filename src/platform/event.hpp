@@ -1,0 +1,65 @@
+/// \file
+/// Events and waiting for several of them at once.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+
+namespace vexa::platform {
+
+/// Time-outs are in milliseconds; this value waits without limit.
+inline constexpr std::uint32_t kInfinite = 0xFFFFFFFF;
+
+/// Something that a thread can wait for: an event, or the end of a thread.
+class Waitable {
+ public:
+  struct Impl;
+
+  Waitable(const Waitable&) = delete;
+  Waitable& operator=(const Waitable&) = delete;
+
+  Impl& impl() const { return *impl_; }
+
+ protected:
+  explicit Waitable(std::unique_ptr<Impl> impl);
+  ~Waitable();
+
+ private:
+  std::unique_ptr<Impl> impl_;
+};
+
+/// A manual-reset event. Set releases every thread that waits at that moment, even when another
+/// thread resets the event before the released threads run again.
+class Event : public Waitable {
+ public:
+  enum class Initially { kNonSignalled, kSignalled };
+
+  /// Throws std::bad_alloc when the system has no event left to give.
+  explicit Event(Initially initially = Initially::kNonSignalled);
+  ~Event();
+
+  void Set();
+  void Reset();
+  bool IsSet() const;
+};
+
+/// The answer of a wait: which of the objects (the lowest index when several are signalled), or
+/// that the time ran out.
+struct WaitResult {
+  static constexpr std::size_t kTimedOut = SIZE_MAX;
+  std::size_t index = kTimedOut;
+
+  bool timed_out() const { return index == kTimedOut; }
+};
+
+/// Waits until one of the objects is signalled, at most 8 of them. Waiting does not change them.
+/// Allocates nothing.
+WaitResult WaitAny(std::initializer_list<const Waitable*> objects,
+                   std::uint32_t timeout_ms = kInfinite);
+
+/// Waits for one object; true when it is signalled, false when the time ran out.
+bool Wait(const Waitable& object, std::uint32_t timeout_ms = kInfinite);
+
+}  // namespace vexa::platform
