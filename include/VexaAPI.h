@@ -1,0 +1,776 @@
+/**
+ * @file VexaAPI.h
+ * Control library for Vexa industrial USB cameras: the complete public interface.
+ *
+ * Plain C (C11) and C++. On Windows the functions live in VexaAPI.dll and use the standard calling
+ * convention; elsewhere they live in libVexaAPI.so with the platform's C convention.
+ *
+ * @par Results and errors
+ * Unless a function says otherwise it returns a BOOL: 1 for success, 0 for failure. The reason of a
+ * failure is the calling thread's last-error code (GetLastError()). The library itself sets
+ *   - 87 (ERROR_INVALID_PARAMETER): the camera handle is INVALID_HANDLE_VALUE, an argument is out
+ *     of range, a required pointer is null, or the camera model lacks the function;
+ *   - 8 (ERROR_NOT_ENOUGH_MEMORY): memory ran out; nothing was changed;
+ *   - 1131 (ERROR_POSSIBLE_DEADLOCK): a callback tried to stop or close its own camera;
+ *   - the codes that a function names.
+ * Every other code is that of the failing system call or of the camera's driver, with the numbers
+ * of Windows on every system, for example 1167 (ERROR_DEVICE_NOT_CONNECTED) when the camera is
+ * gone. A successful call leaves the last error as it is.
+ *
+ * @par Handles
+ * A camera handle is valid from Vexa_Open() until Vexa_Close(). INVALID_HANDLE_VALUE is the only
+ * value that is recognised as invalid; using a handle during or after its Vexa_Close() is
+ * undefined.
+ *
+ * @par Threads
+ * Functions may be called from any thread. Requests to one camera are carried out one after the
+ * other, requests to different cameras side by side. Callbacks run on the camera's transfer thread.
+ * Unless a function says otherwise it may be called from a callback. Settings that take several
+ * requests (read, change, write back) are meant to be changed from one thread at a time.
+ *
+ * @par Numbers on the wire
+ * Blocks and registers of the camera are little-endian. Clock means one period of the pixel clock;
+ * frequencies are in hertz.
+ */
+#ifndef VEXA_API_H_
+#define VEXA_API_H_
+
+#if defined(_WIN32)
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#include <windows.h>
+#define VEXA_CALL __stdcall
+#if defined(VEXA_BUILDING_LIBRARY)
+#define VEXA_API
+#else
+#define VEXA_API __declspec(dllimport)
+#endif
+#else
+#include <stdint.h>
+#ifndef __cplusplus
+#include <uchar.h>
+#endif
+#define VEXA_CALL
+#define VEXA_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#if !defined(_WIN32)
+/** @name Types of the Windows interface, with their Windows widths */
+/**@{*/
+typedef void* HANDLE;   /**< Camera handle. */
+typedef int BOOL;       /**< 1 or 0. */
+typedef uint8_t BYTE;   /**< 8 bits, unsigned. */
+typedef uint16_t WORD;  /**< 16 bits, unsigned. */
+typedef uint32_t DWORD; /**< 32 bits, unsigned. */
+typedef char CHAR;      /**< One byte of a string; strings of `A` functions are UTF-8. */
+typedef char16_t WCHAR; /**< One UTF-16 code unit, native byte order. */
+typedef struct VexaHostWindow* HWND; /**< Receiver of messages: a message queue (VexaHost.h). */
+typedef struct VexaHostSurface* HDC; /**< Drawing surface. */
+/**@}*/
+
+#ifndef TRUE
+#define TRUE 1
+#endif
+#ifndef FALSE
+#define FALSE 0
+#endif
+#ifndef INVALID_HANDLE_VALUE
+/** The only invalid camera handle. */
+#define INVALID_HANDLE_VALUE ((HANDLE)(intptr_t)-1)
+#endif
+#ifndef INFINITE
+/** A time-out without limit. */
+#define INFINITE 0xFFFFFFFFu
+#endif
+
+/** The calling thread's last-error code, as on Windows. @return the code, 0 at thread start. */
+VEXA_API DWORD GetLastError(void);
+
+/** Sets the calling thread's last-error code. @param code any value. */
+VEXA_API void SetLastError(DWORD code);
+#endif /* !_WIN32 */
+
+/** @name Colour array codes
+ * Phase of the 2 x 2 filter pattern: the first row's first two pixels, then the second row's. */
+/**@{*/
+#define VEXA_COLOR_ARRAY_MONO 1 /**< No filter. */
+#define VEXA_COLOR_ARRAY_RGGB 2 /**< R G / G B */
+#define VEXA_COLOR_ARRAY_GRBG 3 /**< G R / B G */
+#define VEXA_COLOR_ARRAY_GBRG 4 /**< G B / R G */
+#define VEXA_COLOR_ARRAY_BGGR 5 /**< B G / G R */
+/**@}*/
+
+/** @name Transfer format codes
+ * Layout of the frames that the camera sends, one bit each. Words are little-endian with the sample
+ * right-aligned. The two groups of 8 to 16 bits have the same layouts. */
+/**@{*/
+#define VEXA_TRANSFER_8BIT 0x0001u    /**< One byte per pixel. */
+#define VEXA_TRANSFER_10BIT 0x0002u   /**< One word per pixel, 10 significant bits. */
+#define VEXA_TRANSFER_12BIT 0x0004u   /**< One word per pixel, 12 significant bits. */
+#define VEXA_TRANSFER_14BIT 0x0008u   /**< One word per pixel, 14 significant bits. */
+#define VEXA_TRANSFER_16BIT 0x0010u   /**< One word per pixel, 16 significant bits. */
+#define VEXA_TRANSFER_8BIT_B 0x0020u  /**< As VEXA_TRANSFER_8BIT. */
+#define VEXA_TRANSFER_10BIT_B 0x0040u /**< As VEXA_TRANSFER_10BIT. */
+#define VEXA_TRANSFER_12BIT_B 0x0080u /**< As VEXA_TRANSFER_12BIT. */
+#define VEXA_TRANSFER_14BIT_B 0x0100u /**< As VEXA_TRANSFER_14BIT. */
+#define VEXA_TRANSFER_16BIT_B 0x0200u /**< As VEXA_TRANSFER_16BIT. */
+#define VEXA_TRANSFER_BGR24 0x0400u   /**< Three bytes per pixel: blue, green, red. */
+#define VEXA_TRANSFER_BGR30 0x0800u   /**< A 32-bit word: B bits 0-9, G 10-19, R 20-29. */
+#define VEXA_TRANSFER_YUV411 0x1000u  /**< 1.5 bytes per pixel. */
+#define VEXA_TRANSFER_YUV422 0x2000u  /**< 2 bytes per pixel. */
+#define VEXA_TRANSFER_YUV444 0x4000u  /**< 3 bytes per pixel. */
+/**@}*/
+
+/** @name Image format codes
+ * Layout of images in the application's buffers: rows top first, no padding between rows. The
+ * 16-bit layouts hold one little-endian word per pixel, the sample right-aligned. */
+/**@{*/
+#define VEXA_OUTPUT_MONO8 1u   /**< One byte per pixel. */
+#define VEXA_OUTPUT_MONO16 2u  /**< 16 significant bits (saving only). */
+#define VEXA_OUTPUT_BGR24 4u   /**< Three bytes per pixel: blue, green, red. */
+#define VEXA_OUTPUT_BGR32 8u   /**< Four bytes per pixel: blue, green, red, and a fourth byte. */
+#define VEXA_OUTPUT_MONO10 16u /**< 10 significant bits (saving only). */
+#define VEXA_OUTPUT_MONO12 32u /**< 12 significant bits (saving only). */
+#define VEXA_OUTPUT_MONO14 64u /**< 14 significant bits (saving only). */
+/**@}*/
+
+/** @name Interpolation methods of Vexa_ColorInterpolation() */
+/**@{*/
+#define VEXA_INTERP_NONE 0         /**< Raw value in all three channels (grey). */
+#define VEXA_INTERP_MOSAIC 1       /**< Raw value in its filter's channel, the others 0. */
+#define VEXA_INTERP_NEAREST 2      /**< Samples of the pixel's own 2 x 2 cell. */
+#define VEXA_INTERP_BILINEAR 3     /**< Means of two neighbours. */
+#define VEXA_INTERP_FOUR_TAP 4     /**< Separable (-1, 5, 5, -1) / 8 filter. */
+#define VEXA_INTERP_CELL_CENTRED 5 /**< Bilinear at cell centres; half a pixel right and down. */
+/**@}*/
+
+/** @name Time-outs of Vexa_SetTimeOut() */
+/**@{*/
+#define VEXA_TIMEOUT_ST2EE 0 /**< Software trigger to the first transfer of the frame. */
+#define VEXA_TIMEOUT_TE2EE 1 /**< Arming for a hardware trigger to the first transfer. */
+#define VEXA_TIMEOUT_EE2TE 2 /**< Exposure end (header) to the image. */
+#define VEXA_TIMEOUT_RO2TE 3 /**< Read-out trigger to the image. */
+/**@}*/
+
+/** @name Trigger timing identifiers of Vexa_SetTriggerTiming() */
+/**@{*/
+#define VEXA_TIMING_EXPOSURE_DELAY 0
+#define VEXA_TIMING_STROBE_START_DELAY 1
+#define VEXA_TIMING_STROBE_END_DELAY 2
+#define VEXA_TIMING_TRIGGER_PULSE_DELAY 3
+#define VEXA_TIMING_TRIGGER_PULSE_DURATION 4
+#define VEXA_TIMING_READ_OUT_DELAY 5
+/**@}*/
+
+/** @name Window messages of Vexa_SetRcvMsgWnd()
+ * wParam is the camera handle. */
+/**@{*/
+#define VEXA_MSG_TRANSFER_END 0xB101u /**< A frame has arrived; lParam is the frame number. */
+#define VEXA_MSG_EXPOSURE_END 0xB102u /**< An exposure has ended; lParam is the frame number. */
+#define VEXA_MSG_RCV_ERROR 0xB103u    /**< Receiving failed; lParam is the error code. */
+/**@}*/
+
+/** @name Receive errors
+ * Error codes of the receive-error callback and message, beside system error codes. */
+/**@{*/
+#define VEXA_RCV_HEADER_SIZE 0xE0000001u   /**< A header transfer had the wrong size. */
+#define VEXA_RCV_FRAME_SIZE 0xE0000002u    /**< A frame had the wrong size and is lost. */
+#define VEXA_RCV_TIMEOUT_ST2EE 0xE0000003u /**< Time-out after a software trigger. */
+#define VEXA_RCV_TIMEOUT_TE2EE 0xE0000004u /**< Time-out after arming for a hardware trigger. */
+#define VEXA_RCV_TIMEOUT_EE2TE 0xE0000005u /**< Time-out between header and image. */
+#define VEXA_RCV_TIMEOUT_RO2TE 0xE0000006u /**< Time-out after the read-out trigger. */
+#define VEXA_RCV_DEVICE_GONE 5u            /**< The camera is gone; the transfer has ended. */
+/**@}*/
+
+/** @name Mirror mode bits of Vexa_SetMirrorMode() */
+/**@{*/
+#define VEXA_MIRROR_HORIZONTAL 0x10
+#define VEXA_MIRROR_VERTICAL 0x20
+/**@}*/
+
+/**
+ * Called when an exposure has ended: in separate-header trigger modes, when a frame's header has
+ * arrived and its image has not.
+ * @param camera       the camera.
+ * @param frame_number the camera's frame number from the header.
+ * @param context      as registered.
+ * Runs on the transfer thread. Must not call Vexa_StartTransfer(), Vexa_StopTransfer() or
+ * Vexa_Close() on this camera (they fail with 1131).
+ */
+typedef void(VEXA_CALL* VEXA_EXPOSURE_END_CALLBACK)(HANDLE camera, DWORD frame_number,
+                                                    void* context);
+
+/**
+ * Called for every complete frame.
+ * @param camera       the camera.
+ * @param frame_number the camera's frame number; a gap means that the camera dropped frames.
+ * @param width        pixels per row, of the present scan settings.
+ * @param height       rows, of the present scan settings.
+ * @param color_array  colour array code of the frame (Vexa_GetColorArray()).
+ * @param raw_image    the image in the transfer format that was set when the transfer was started;
+ *                     valid only until the callback returns. The application may change it.
+ * @param context      as registered.
+ * Runs on the transfer thread; while it runs, three further frames are buffered. Must not call
+ * Vexa_StartTransfer(), Vexa_StopTransfer() or Vexa_Close() on this camera (they fail with 1131).
+ */
+typedef void(VEXA_CALL* VEXA_TRANSFER_END_CALLBACK)(HANDLE camera, DWORD frame_number, DWORD width,
+                                                    DWORD height, WORD color_array, BYTE* raw_image,
+                                                    void* context);
+
+/**
+ * Called when receiving a frame failed.
+ * @param camera     the camera.
+ * @param error_code a receive error (VEXA_RCV_...), or a system error code of the driver. After
+ *                   VEXA_RCV_DEVICE_GONE the transfer has ended; after all others it goes on.
+ * @param context    as registered.
+ * Runs on the transfer thread. Must not call Vexa_StartTransfer(), Vexa_StopTransfer() or
+ * Vexa_Close() on this camera (they fail with 1131).
+ */
+typedef void(VEXA_CALL* VEXA_RCV_ERROR_CALLBACK)(HANDLE camera, DWORD error_code, void* context);
+
+/** @defgroup life Open, close, version */
+/**@{*/
+
+/**
+ * Opens the first camera that no handle, of this or another process, is using.
+ *
+ * Cameras are tried in the order in which the system lists them. One that does not answer is
+ * recovered twice, where its driver can do that, before the next is tried. Reads the camera's
+ * identity and its present settings.
+ * @return the camera handle, or INVALID_HANDLE_VALUE. The last error is then 8 when memory ran out,
+ *         else whatever the failing system call left: 259 (ERROR_NO_MORE_ITEMS) after a list of
+ *         cameras with no free one.
+ */
+VEXA_API HANDLE VEXA_CALL Vexa_Open(void);
+
+/**
+ * Stops the transfer as Vexa_StopTransfer() does, closes the camera and frees everything.
+ *
+ * No callback runs after it has returned. The handle must not be used by any thread during or after
+ * the call.
+ * @param camera the camera; INVALID_HANDLE_VALUE does nothing and sets no last error. From a
+ *               callback of the same camera nothing is closed and the last error is 1131.
+ */
+VEXA_API void VEXA_CALL Vexa_Close(HANDLE camera);
+
+/**
+ * The library's version, from its version resource.
+ * @param[out] file_high    file version, high word pair: major << 16 | minor.
+ * @param[out] file_low     file version, low word pair: patch << 16 | build.
+ * @param[out] product_high product version, high word pair.
+ * @param[out] product_low  product version, low word pair.
+ *             All four are 0 when the version cannot be read; each pointer may be null.
+ * @return always 1.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetDllVersion(DWORD* file_high, DWORD* file_low, DWORD* product_high,
+                                           DWORD* product_low);
+
+/**
+ * Sends a camera-setting command and reads the camera's settings again.
+ * @param camera  the camera; its firmware version must be 0x0100 or above, else 87.
+ * @param command passed to the camera unchanged.
+ * @return 1 when the command and the reading of the settings succeeded.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_CameraSetting(HANDLE camera, WORD command);
+
+/**
+ * Speed of the USB link, from the maximum packet size of the first bulk-in endpoint in the
+ * configuration descriptor (USB 2.0 chapter 9.6).
+ * @param camera     the camera.
+ * @param[out] speed 0 full speed (packets up to 64 bytes) or no such endpoint, 1 high speed (up to
+ *                   512 bytes, or no endpoint descriptors), 2 SuperSpeed. 0 on failure.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetUSBSpeed(HANDLE camera, BYTE* speed);
+/**@}*/
+
+/** @defgroup request Control requests, registers, commands */
+/**@{*/
+
+/**
+ * Sends one vendor request over the control pipe (USB 2.0 chapter 9.3), with a time-out of 1000 ms
+ * in the driver.
+ * @param camera              the camera.
+ * @param request_type        bmRequestType: 0x40 host to device, 0xC0 device to host; bit 7 decides
+ *                            the direction of the data stage.
+ * @param request             bRequest.
+ * @param value               wValue.
+ * @param index               wIndex.
+ * @param length              wLength: bytes of the data stage.
+ * @param[in,out] buffer      `length` bytes: sent, or filled with up to `length` bytes of the
+ * reply. May be null when `length` is 0.
+ * @param[out] bytes_returned bytes that the driver reports; may be null.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_VendorRequest(HANDLE camera, BYTE request_type, BYTE request,
+                                           WORD value, WORD index, WORD length, BYTE* buffer,
+                                           DWORD* bytes_returned);
+
+/**
+ * Writes the 16-bit registers `first` to `last` of a register block.
+ * @param camera the camera; models without register access (product IDs 0x0305, 0x0605, 0x0705 and
+ *               0x0805) give 87.
+ * @param block  register block, low 16 bits.
+ * @param first  first register, low 7 bits count.
+ * @param last   last register, low 7 bits count; below `first` gives 87.
+ * @param data   2 * (last - first + 1) bytes, little-endian words.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetFPGAData(HANDLE camera, DWORD block, DWORD first, DWORD last,
+                                         BYTE* data);
+
+/**
+ * Reads the 16-bit registers `first` to `last` of a register block.
+ * @param camera    the camera; see Vexa_SetFPGAData().
+ * @param block     register block, low 16 bits.
+ * @param first     first register, low 7 bits count.
+ * @param last      last register, low 7 bits count; below `first` gives 87.
+ * @param[out] data 2 * (last - first + 1) bytes, little-endian words.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetFPGAData(HANDLE camera, DWORD block, DWORD first, DWORD last,
+                                         BYTE* data);
+
+/** Writes registers of the JBA block (76). @param camera,first,last,data as Vexa_SetFPGAData();
+ * registers of 128 and above give 87. */
+VEXA_API BOOL VEXA_CALL Vexa_SetJBARegister(HANDLE camera, DWORD first, DWORD last, BYTE* data);
+/** Reads registers of the JBA block (76). @param camera,first,last,data as Vexa_GetFPGAData();
+ * registers of 128 and above give 87. */
+VEXA_API BOOL VEXA_CALL Vexa_GetJBARegister(HANDLE camera, DWORD first, DWORD last, BYTE* data);
+/** Writes registers of the IOA block (16). @param camera,first,last,data as Vexa_SetFPGAData();
+ * registers of 128 and above give 87. */
+VEXA_API BOOL VEXA_CALL Vexa_SetIOARegister(HANDLE camera, DWORD first, DWORD last, BYTE* data);
+/** Reads registers of the IOA block (16). @param camera,first,last,data as Vexa_GetFPGAData();
+ * registers of 128 and above give 87. */
+VEXA_API BOOL VEXA_CALL Vexa_GetIOARegister(HANDLE camera, DWORD first, DWORD last, BYTE* data);
+/** Writes registers of the ITA block (32). @param camera,first,last,data as Vexa_SetFPGAData();
+ * registers of 128 and above give 87. */
+VEXA_API BOOL VEXA_CALL Vexa_SetITARegister(HANDLE camera, DWORD first, DWORD last, BYTE* data);
+/** Reads registers of the ITA block (32). @param camera,first,last,data as Vexa_GetFPGAData();
+ * registers of 128 and above give 87. */
+VEXA_API BOOL VEXA_CALL Vexa_GetITARegister(HANDLE camera, DWORD first, DWORD last, BYTE* data);
+
+/**
+ * Resets the camera.
+ * @param camera the camera; a model without register access gives 87.
+ * @param mode   reset mode 0 to 3, low two bits count.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ResetCamera(HANDLE camera, DWORD mode);
+
+/** Resets the camera's frame counter. @param camera the camera; a model without register access
+ * gives 87. */
+VEXA_API BOOL VEXA_CALL Vexa_ResetCounter(HANDLE camera);
+
+/** Discards the frames that wait in the camera's memory. @param camera the camera. */
+VEXA_API BOOL VEXA_CALL Vexa_ClearBuffer(HANDLE camera);
+/**@}*/
+
+/** @defgroup identity Model and capabilities */
+/**@{*/
+
+/**
+ * Whether the camera has an optional function.
+ * @param camera       the camera.
+ * @param function     function ID: below 64 a bit of the camera's capability mask, with rules per
+ *                     model for 0, 1, 2 and 6; 256 to 258, 260 and 261 present on every model with
+ *                     register access; 259 monochrome sensor; any other ID of 64 and above absent.
+ * @param[out] present 1 or 0; 0 also for an invalid handle.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_HasFunction(HANDLE camera, DWORD function, BOOL* present);
+
+/**
+ * The identity words of the camera.
+ * @param camera          the camera.
+ * @param[out] version    version word A.
+ * @param[out] product_id product ID.
+ * @param[out] variant    variant of the product.
+ * @param[out] firmware   firmware version.
+ *                        Each pointer may be null.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetCameraVersion(HANDLE camera, WORD* version, WORD* product_id,
+                                              WORD* variant, WORD* firmware);
+
+/**
+ * The camera's model name, UTF-16; "UNKNOWN" for a product ID that the library does not know.
+ * @param camera      the camera.
+ * @param[out] buffer receives the name and its terminator.
+ * @param size        size of the buffer in bytes. A buffer that does not hold the whole name
+ *                    receives an empty string (when it holds one character) and the call fails with
+ *                    122 (ERROR_INSUFFICIENT_BUFFER). 64 bytes hold every name.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetProductNameW(HANDLE camera, WCHAR* buffer, DWORD size);
+
+/**
+ * The camera's model name in the ANSI code page (UTF-8 where there are no code pages).
+ * @param camera      the camera.
+ * @param[out] buffer receives the name and its terminator.
+ * @param size        size of the buffer in bytes; one that is too small gives 122.
+ * @return bytes written, terminator included, or 0 on failure.
+ */
+VEXA_API int VEXA_CALL Vexa_GetProductNameA(HANDLE camera, CHAR* buffer, DWORD size);
+
+/** The largest image that the camera makes. @param camera the camera. @param[out] width pixels.
+ * @param[out] height lines. Each pointer may be null. */
+VEXA_API BOOL VEXA_CALL Vexa_GetMaximumImageSize(HANDLE camera, DWORD* width, DWORD* height);
+/** Mask of the transfer formats that the camera supports. @param camera the camera.
+ * @param[out] mask VEXA_TRANSFER_ codes, combined. */
+VEXA_API BOOL VEXA_CALL Vexa_GetEnableTransferBitsPerPixel(HANDLE camera, DWORD* mask);
+/** Mask of the scan modes that the camera supports. @param camera the camera.
+ * @param[out] mask scan mode codes, combined. */
+VEXA_API BOOL VEXA_CALL Vexa_GetEnableScanMode(HANDLE camera, WORD* mask);
+/** Mask of the clock modes that the camera supports. @param camera the camera.
+ * @param[out] mask the camera's clock modes. */
+VEXA_API BOOL VEXA_CALL Vexa_GetEnableClockMode(HANDLE camera, DWORD* mask);
+
+/**
+ * The colour array of the frames that the camera sends now: that of its sensor, changed by the
+ * in-camera mirror (horizontal mirroring exchanges the columns of the pattern, vertical mirroring
+ * its rows).
+ * @param camera            the camera.
+ * @param[out] color_array  a VEXA_COLOR_ARRAY_ code.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetColorArray(HANDLE camera, WORD* color_array);
+
+/**
+ * Sets the mirroring that the camera does itself.
+ * @param camera the camera.
+ * @param mode   VEXA_MIRROR_ bits; other bits are ignored. Horizontal needs function 22, vertical
+ *               function 23, else 87. On a model with neither, a mode without both bits succeeds
+ *               and sends nothing. The colour array follows also when the camera refuses.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetMirrorMode(HANDLE camera, BYTE mode);
+/** Reads the mirroring from the camera. @param camera the camera. @param[out] mode VEXA_MIRROR_
+ * bits; 0 on failure and on a model without mirroring. */
+VEXA_API BOOL VEXA_CALL Vexa_GetMirrorMode(HANDLE camera, BYTE* mode);
+/**@}*/
+
+/** @defgroup timing Timing and geometry */
+/**@{*/
+
+/**
+ * Sets the pixel clock.
+ * @param camera    the camera.
+ * @param mode      clock mode, a bit of Vexa_GetEnableClockMode(); the camera checks it.
+ * @param frequency pixel clock in hertz; the camera checks it.
+ * Limits and times that depend on the clock follow at the next change of the scan mode or start of
+ * a transfer.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetClock(HANDLE camera, DWORD mode, DWORD frequency);
+/** Reads the pixel clock. @param camera the camera. @param[out] mode clock mode; may be null.
+ * @param[out] frequency hertz; may be null. */
+VEXA_API BOOL VEXA_CALL Vexa_GetClock(HANDLE camera, DWORD* mode, DWORD* frequency);
+
+/**
+ * Sets the scan mode and the region of interest, and reads the resulting timing.
+ * @param camera   the camera; it checks the values.
+ * @param mode     scan mode code, a bit of Vexa_GetEnableScanMode().
+ * @param offset_x left edge in pixels.
+ * @param offset_y top edge in lines.
+ * @param width    pixels per line.
+ * @param height   lines.
+ * The size of frames changes with the next Vexa_StartTransfer().
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetScanMode(HANDLE camera, WORD mode, DWORD offset_x, DWORD offset_y,
+                                         DWORD width, DWORD height);
+/** The scan mode and region of interest, from the library's copy of the camera's settings.
+ * @param camera the camera. @param[out] mode scan mode code. @param[out] offset_x pixels.
+ * @param[out] offset_y lines. @param[out] width pixels. @param[out] height lines. Each pointer may
+ * be null. */
+VEXA_API BOOL VEXA_CALL Vexa_GetScanMode(HANDLE camera, WORD* mode, DWORD* offset_x,
+                                         DWORD* offset_y, DWORD* width, DWORD* height);
+
+/**
+ * Sets skipping and binning (scan mode 0x8000), and reads the resulting timing.
+ * @param camera             the camera; a model without register access gives 87.
+ * @param horizontal_skipping 0 to 15, low 4 bits count; so for the others.
+ * @param vertical_skipping   0 to 15.
+ * @param horizontal_binning  0 to 15.
+ * @param vertical_binning    0 to 15.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetSkippingAndBinning(HANDLE camera, BYTE horizontal_skipping,
+                                                   BYTE vertical_skipping, BYTE horizontal_binning,
+                                                   BYTE vertical_binning);
+/** Reads skipping and binning. @param camera the camera. @param[out] horizontal_skipping 0 to 15.
+ * @param[out] vertical_skipping 0 to 15. @param[out] horizontal_binning 0 to 15.
+ * @param[out] vertical_binning 0 to 15. All are 0 on failure; each pointer may be null. */
+VEXA_API BOOL VEXA_CALL Vexa_GetSkippingAndBinning(HANDLE camera, BYTE* horizontal_skipping,
+                                                   BYTE* vertical_skipping,
+                                                   BYTE* horizontal_binning,
+                                                   BYTE* vertical_binning);
+
+/** Frame timing, from the library's copy. @param camera the camera. @param[out] lines lines per
+ * frame. @param[out] clocks clocks per line. Each pointer may be null. */
+VEXA_API BOOL VEXA_CALL Vexa_GetFrameClock(HANDLE camera, WORD* lines, WORD* clocks);
+/** Shutter maximum clock: clocks per line - 1, from the library's copy. @param camera the camera.
+ * @param[out] clock clocks. */
+VEXA_API BOOL VEXA_CALL Vexa_GetShutterMaxClock(HANDLE camera, DWORD* clock);
+
+/**
+ * Sets the exposure.
+ * @param camera         the camera.
+ * @param exposure_clock clocks; 0 means one full frame. Sent as lines of (shutter maximum clock +
+ * 1) clocks and a remainder. 87 when the camera reports 0 clocks per line.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetExposureClock(HANDLE camera, DWORD exposure_clock);
+/** Reads the exposure. @param camera the camera. @param[out] exposure_clock clocks; untouched on
+ * failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetExposureClock(HANDLE camera, DWORD* exposure_clock);
+/** Longest exposure that does not lengthen the frame. @param camera the camera. @param[out] clock
+ * clocks. */
+VEXA_API BOOL VEXA_CALL Vexa_GetMaxShortExposureClock(HANDLE camera, DWORD* clock);
+/** Longest exposure. @param camera the camera. @param[out] clock clocks. */
+VEXA_API BOOL VEXA_CALL Vexa_GetMaxLongExposureClock(HANDLE camera, DWORD* clock);
+
+/**
+ * Exposure clocks of an exposure time: frequency * seconds, truncated; on product IDs 0x0111 and
+ * 0x0211, whose exposures count lines of a length that depends on binning,
+ * (frequency * seconds + K) / P with K and P of their line timing.
+ * @param camera              the camera.
+ * @param seconds             exposure time. Not a number counts as 0.
+ * @param[out] exposure_clock clocks, 1 to the longest exposure.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetExposureClockFromTime(HANDLE camera, float seconds,
+                                                      DWORD* exposure_clock);
+/**
+ * Exposure time of exposure clocks, the inverse of Vexa_GetExposureClockFromTime().
+ * @param camera         the camera.
+ * @param exposure_clock clocks, limited to the longest exposure; 0 means one full frame.
+ * @param[out] seconds   exposure time; 0 when the camera reports a pixel clock of 0.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetExposureTimeFromClock(HANDLE camera, DWORD exposure_clock,
+                                                      float* seconds);
+
+/** Sets the vertical blanking that slows the frame rate, and reads the resulting timing.
+ * @param camera the camera; it needs function 21, else 87. @param lines low 16 bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetVBlankForFPS(HANDLE camera, DWORD lines);
+/** Reads the vertical blanking. @param camera the camera; it needs function 21, else 87.
+ * @param[out] lines 0 to 65535. */
+VEXA_API BOOL VEXA_CALL Vexa_GetVBlankForFPS(HANDLE camera, DWORD* lines);
+
+/**
+ * The frame rate: measured by the camera (function 20), else frequency / frame length. In scan
+ * modes 0x0004 and 0x0020 an exposure of more lines than the frame lengthens it.
+ * @param camera   the camera.
+ * @param[out] fps frames per second; 0 on failure and when the frame length is 0.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetOutputFPS(HANDLE camera, float* fps);
+
+/** Sets the transfer format. @param camera the camera. @param code a VEXA_TRANSFER_ code; bits that
+ * the camera does not support are dropped, none left gives 87. Frames change with the next
+ * Vexa_StartTransfer(). */
+VEXA_API BOOL VEXA_CALL Vexa_SetTransferBitsPerPixel(HANDLE camera, DWORD code);
+/** The transfer format, from the library's copy. @param camera the camera. @param[out] code a
+ * VEXA_TRANSFER_ code. */
+VEXA_API BOOL VEXA_CALL Vexa_GetTransferBitsPerPixel(HANDLE camera, DWORD* code);
+/**@}*/
+
+/** @defgroup trigger Trigger and I/O */
+/**@{*/
+
+/**
+ * Sets the trigger mode and discards the frames in the camera's memory.
+ *
+ * The transfer engine's waits follow at the next Vexa_StartTransfer().
+ * @param camera the camera; a model without register access gives 87.
+ * @param mode   bits 0-1: 0 free run, 1 to 3 triggered; 2 with bit 6 clear: images are read out
+ *               only after Vexa_TriggerReadOut(). Bit 8: the header comes at the end of the
+ * exposure, the image after it. Bits 10-11: 0x400 software trigger. Bits 12-13: 0x2000
+ *               Vexa_SoftSubTrigger() starts the frame (needs function 1, else 87). Other bits are
+ *               the camera's.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetTriggerMode(HANDLE camera, DWORD mode);
+/** Reads the trigger mode. @param camera the camera. @param[out] mode as Vexa_SetTriggerMode(); 0
+ * on failure and, with success, on a model without register access. */
+VEXA_API BOOL VEXA_CALL Vexa_GetTriggerMode(HANDLE camera, DWORD* mode);
+/** Sets a trigger timing value. @param camera the camera. @param id VEXA_TIMING_ identifier 0 to 5,
+ * else 87. @param value in the camera's units. */
+VEXA_API BOOL VEXA_CALL Vexa_SetTriggerTiming(HANDLE camera, DWORD id, DWORD value);
+/** Reads a trigger timing value. @param camera the camera. @param id VEXA_TIMING_ identifier 0 to
+ * 5, else 87. @param[out] value in the camera's units; 0 on failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetTriggerTiming(HANDLE camera, DWORD id, DWORD* value);
+/** Sets the directions of the I/O pins. @param camera the camera. @param word the camera's word,
+ * low 16 bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetIOPinDirection(HANDLE camera, DWORD word);
+/** Reads the directions of the I/O pins. @param camera the camera. @param[out] word 0 on failure.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetIOPinDirection(HANDLE camera, DWORD* word);
+/** Sets the polarities of the I/O pins. @param camera the camera. @param word the camera's word,
+ * low 16 bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetIOPinPolarity(HANDLE camera, DWORD word);
+/** Reads the polarities of the I/O pins. @param camera the camera. @param[out] word 0 on failure.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetIOPinPolarity(HANDLE camera, DWORD* word);
+/** Sets the levels of the I/O pins. @param camera the camera. @param word the camera's word, low 16
+ * bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetIOPinStatus(HANDLE camera, DWORD word);
+/** Reads the levels of the I/O pins. @param camera the camera. @param[out] word 0 on failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetIOPinStatus(HANDLE camera, DWORD* word);
+/** Sets the mode of an I/O pin. @param camera the camera. @param pin 0 to 3 (low 8 bits count),
+ * else
+ * 87. @param mode the camera's pin mode, low 16 bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetIOPinMode(HANDLE camera, DWORD pin, DWORD mode);
+/** Reads the mode of an I/O pin. @param camera the camera. @param pin 0 to 3 (low 8 bits count),
+ * else
+ * 87. @param[out] mode 0 on failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetIOPinMode(HANDLE camera, DWORD pin, DWORD* mode);
+/** Reads the software status word. @param camera the camera. @param[out] word 0 on failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetSwStatus(HANDLE camera, DWORD* word);
+/** Sets the LED. @param camera the camera. @param value the camera's value, low 16 bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetLEDStatus(HANDLE camera, DWORD value);
+/** Reads the LED. @param camera the camera. @param[out] value 0 on failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetLEDStatus(HANDLE camera, DWORD* value);
+
+/** Software trigger. @param camera the camera. Starts the wait of VEXA_TIMEOUT_ST2EE, unless the
+ * trigger mode at the start of the transfer had the sub-trigger source. */
+VEXA_API BOOL VEXA_CALL Vexa_SoftTrigger(HANDLE camera);
+/** Software sub-trigger. @param camera the camera; a model without register access gives 87. Starts
+ * the wait of VEXA_TIMEOUT_ST2EE when the trigger mode at the start of the transfer had the
+ * sub-trigger source. */
+VEXA_API BOOL VEXA_CALL Vexa_SoftSubTrigger(HANDLE camera);
+/** Has the frame in the camera's SDRAM sent. @param camera the camera; a model without register
+ * access gives 87. */
+VEXA_API BOOL VEXA_CALL Vexa_ReadSDRAMTrigger(HANDLE camera);
+/** Starts the read-out of the exposed image. @param camera the camera; a model without register
+ * access gives 87. Starts the wait of VEXA_TIMEOUT_RO2TE. */
+VEXA_API BOOL VEXA_CALL Vexa_TriggerReadOut(HANDLE camera);
+/**@}*/
+
+/** @defgroup transfer Image transfer */
+/**@{*/
+
+/**
+ * Starts the transfer of frames; a running one is stopped first.
+ *
+ * Reads the scan settings and the trigger mode from the camera: frame size, format and waits stay
+ * as they are now until the next start. Two threads run per transferring camera.
+ * @param camera the camera. From a callback of the same camera: 1131, nothing changes.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_StartTransfer(HANDLE camera);
+
+/**
+ * Stops the transfer. When it returns, no thread of the camera runs and no notification follows.
+ * @param camera the camera. From a callback of the same camera: 1131, nothing changes.
+ * @return 1, also when no transfer runs.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_StopTransfer(HANDLE camera);
+
+/**
+ * Sets a time-out of the trigger modes; it counts from the transfer thread's next wait.
+ * @param camera       the camera.
+ * @param index        VEXA_TIMEOUT_ index 0 to 3, else 87.
+ * @param milliseconds INFINITE waits without limit. Vexa_Open() sets INFINITE for 0 and 1, 5000 for
+ *                     2 and 3.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetTimeOut(HANDLE camera, DWORD index, DWORD milliseconds);
+/** Reads a time-out. @param camera the camera. @param index VEXA_TIMEOUT_ index 0 to 3, else 87.
+ * @param[out] milliseconds the time-out. */
+VEXA_API BOOL VEXA_CALL Vexa_GetTimeOut(HANDLE camera, DWORD index, DWORD* milliseconds);
+
+/**
+ * Registers the function to call at the end of an exposure, in place of the earlier one.
+ * @param camera   the camera.
+ * @param callback the function; null removes the registration.
+ * @param context  passed to it unchanged.
+ * Waits while a callback of this camera runs; inside one it takes effect at once.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetExposureEndCallback(HANDLE camera,
+                                                    VEXA_EXPOSURE_END_CALLBACK callback,
+                                                    void* context);
+/** Registers the function to call for every frame. @param camera,callback,context as
+ * Vexa_SetExposureEndCallback(). */
+VEXA_API BOOL VEXA_CALL Vexa_SetTransferEndCallback(HANDLE camera,
+                                                    VEXA_TRANSFER_END_CALLBACK callback,
+                                                    void* context);
+/** Registers the function to call for receive errors. @param camera,callback,context as
+ * Vexa_SetExposureEndCallback(). */
+VEXA_API BOOL VEXA_CALL Vexa_SetRcvErrorCallback(HANDLE camera, VEXA_RCV_ERROR_CALLBACK callback,
+                                                 void* context);
+/** Sets the window to which the VEXA_MSG_ messages are posted, each after the callback of the same
+ * event has returned. @param camera the camera. @param window null posts none. */
+VEXA_API BOOL VEXA_CALL Vexa_SetRcvMsgWnd(HANDLE camera, HWND window);
+
+/** Bytes of the most recently received transfer, accepted or lost. @param camera the camera.
+ * @param[out] size bytes; 0 for an invalid handle.
+ * @return always 0; the last error is set (87) only for an invalid handle. */
+VEXA_API BOOL VEXA_CALL Vexa_GetLastLostFrameDataSize(HANDLE camera, DWORD* size);
+/** The first 64 bytes of the most recently accepted frame header. @param camera the camera.
+ * @param[out] header 64 bytes; zeros for an invalid handle.
+ * @return always 0; the last error is set (87) only for an invalid handle. */
+VEXA_API BOOL VEXA_CALL Vexa_GetLastLostFrameHeader(HANDLE camera, BYTE* header);
+
+/** Stores the transfer mode, which the library itself does not use. @param camera the camera.
+ * @param mode any value. @return the stored mode (0 also for an invalid handle, with 87). */
+VEXA_API DWORD VEXA_CALL Vexa_SetTransferMode(HANDLE camera, DWORD mode);
+/** The stored transfer mode. @param camera the camera. @param[out] mode 0 until set. */
+VEXA_API BOOL VEXA_CALL Vexa_GetTransferMode(HANDLE camera, DWORD* mode);
+/**@}*/
+
+/** @defgroup imaging Image processing */
+/**@{*/
+
+/**
+ * Turns an 8-bit raw frame into a colour image.
+ *
+ * @param width         pixels per row.
+ * @param height        rows.
+ * @param color_array   VEXA_COLOR_ARRAY_ code of the frame. A monochrome frame becomes grey,
+ * whatever the method.
+ * @param source        width * height bytes.
+ * @param destination   width * height * 1, 3 or 4 bytes for VEXA_OUTPUT_MONO8, _BGR24 and _BGR32;
+ * must not overlap the source. The fourth byte of BGR32 becomes 0.
+ * @param method        VEXA_INTERP_ code.
+ * @param output_format VEXA_OUTPUT_MONO8 (the source is copied unchanged whatever the method and
+ *                      colour array), VEXA_OUTPUT_BGR24 or VEXA_OUTPUT_BGR32.
+ * @return 0 with 87 for an unknown output format (destination untouched), method or colour array,
+ *         for null pointers, and for images too small for the method: VEXA_INTERP_BILINEAR needs 2
+ *         columns and 4 rows, VEXA_INTERP_FOUR_TAP 6 and 6, VEXA_INTERP_CELL_CENTRED 2 columns. A
+ *         height below 2 writes nothing and succeeds for the methods above VEXA_INTERP_NONE.
+ *
+ * Width and height should be even. With an odd size VEXA_INTERP_MOSAIC and VEXA_INTERP_NEAREST
+ * leave the last column or row unwritten. Starts no thread, keeps no state, allocates nothing.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ColorInterpolation(DWORD width, DWORD height, WORD color_array,
+                                                const BYTE* source, BYTE* destination, BYTE method,
+                                                DWORD output_format);
+/**@}*/
+
+/** @defgroup files Image files */
+/**@{*/
+
+/**
+ * Saves an image; the file name's extension (after the last ".") chooses the file type: "RAW" (also
+ * a shorter beginning of it, or nothing after the ".") the bare bytes; "TIF", "TIFF", "JPG" and
+ * "JPEG" (and shorter beginnings) are reserved for those types, which this version does not write;
+ * every other extension a Windows bitmap. Upper and lower case of A to Z are the same.
+ *
+ * @param width        pixels per row.
+ * @param height       rows.
+ * @param pixel_format VEXA_OUTPUT_ code: 1, 2, 4 or 8 for RAW; 1, 4 or 8 for BMP.
+ * @param image        the pixels, rows top first, no padding.
+ * @param file_name    path of the file; an existing file is replaced.
+ * @param jpeg_compression not used by RAW and BMP.
+ * @return 0 with 87 when the name has no ".", the type does not take the format, a pointer is null
+ *         or the image is larger than the file type can hold (no file is created); with 87 for any
+ *         other code for a BMP (a file of length 0 stays); 50 (ERROR_NOT_SUPPORTED) for a reserved
+ *         type (no file is created); 110 (ERROR_OPEN_FAILED) when the file cannot be created; 8
+ * when memory for a bitmap runs out and 29 (ERROR_WRITE_FAULT) when it could not be written whole.
+ * Writing a RAW file is not checked.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SaveImageW(DWORD width, DWORD height, DWORD pixel_format,
+                                        const BYTE* image, const WCHAR* file_name,
+                                        DWORD jpeg_compression);
+/** Vexa_SaveImageW() with the file name in the ANSI code page (UTF-8 where there are no code
+ * pages).
+ * @param width,height,pixel_format,image,jpeg_compression as Vexa_SaveImageW().
+ * @param file_name path of the file. @return as Vexa_SaveImageW(). */
+VEXA_API BOOL VEXA_CALL Vexa_SaveImageA(DWORD width, DWORD height, DWORD pixel_format,
+                                        const BYTE* image, const CHAR* file_name,
+                                        DWORD jpeg_compression);
+/**@}*/
+
+#ifdef __cplusplus
+} /* extern "C" */
+#endif
+
+#endif /* VEXA_API_H_ */
