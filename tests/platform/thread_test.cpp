@@ -82,14 +82,24 @@ TEST(Mutex, ExcludesOthersAndLetsItsOwnerInAgain) {
 }
 
 TEST(LastError, BelongsToTheThread) {
-  SetLastErrorCode(error::kBusy);
-  Status fresh_thread = error::kBusy;
-  std::thread([&] {
-    fresh_thread = LastErrorCode();
+  Event other_has_set, looked;
+  Status fresh = error::kBusy, other_keeps;
+  std::thread other([&] {
+    fresh = LastErrorCode();
     SetLastErrorCode(error::kWaitTimeout);
-  }).join();
-  EXPECT_EQ(fresh_thread, error::kNone);
-  EXPECT_EQ(LastErrorCode(), error::kBusy);
+    other_has_set.Set();
+    Wait(looked);
+    other_keeps = LastErrorCode();
+  });
+  SetLastErrorCode(error::kBusy);
+  Wait(other_has_set);
+  const Status own = LastErrorCode();
+  SetLastErrorCode(error::kNone);
+  looked.Set();
+  other.join();
+  EXPECT_EQ(fresh, error::kNone);
+  EXPECT_EQ(own, error::kBusy);
+  EXPECT_EQ(other_keeps, error::kWaitTimeout);
 }
 
 }  // namespace
