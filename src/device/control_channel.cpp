@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -47,19 +48,25 @@ void ControlChannel::Detach() { device_.reset(); }
 Status ControlChannel::Send(const SetupPacket& setup, std::uint8_t* data,
                             std::uint32_t* bytes_returned) {
   *bytes_returned = 0;
-  const std::vector<std::uint8_t> record = BuildRecord(setup, data);
-  std::vector<std::uint8_t> reply(ReplySize(setup.length));
-  platform::Completion completion;
-  Status status;
-  {
-    const std::lock_guard lock(request_mutex_);
-    status = device_->Control(platform::ControlCode::kControlRequest, record, reply, bytes_returned,
-                              completion);
+  try {
+    const std::vector<std::uint8_t> record = BuildRecord(setup, data);
+    std::vector<std::uint8_t> reply(ReplySize(setup.length));
+    platform::Completion completion;
+    const Status status = Exchange(record, reply, bytes_returned, completion);
+    if (status.ok() && IsDeviceToHost(setup)) {
+      std::copy_n(reply.begin(), std::min<std::size_t>(*bytes_returned, setup.length), data);
+    }
+    return status;
+  } catch (const std::bad_alloc&) {
+    return error::kNotEnoughMemory;
   }
-  if (status.ok() && IsDeviceToHost(setup)) {
-    std::copy_n(reply.begin(), std::min<std::size_t>(*bytes_returned, setup.length), data);
-  }
-  return status;
+}
+
+Status ControlChannel::Exchange(std::span<const std::uint8_t> record, std::span<std::uint8_t> reply,
+                                std::uint32_t* bytes_returned, platform::Completion& completion) {
+  const std::lock_guard lock(request_mutex_);
+  return device_->Control(platform::ControlCode::kControlRequest, record, reply, bytes_returned,
+                          completion);
 }
 
 Status ControlChannel::Write(Request request, std::span<const std::uint8_t> data) {

@@ -50,7 +50,8 @@ class ControlChannel {
 
   /// Sends one request. The data stage of a host-to-device request is the first `length` bytes of
   /// `data`; that of a device-to-host request is copied there, at most `length` bytes.
-  /// `*bytes_returned` is the driver's count.
+  /// `*bytes_returned` is the driver's count. kNotEnoughMemory when the request's buffers cannot be
+  /// allocated.
   Status Send(const SetupPacket& setup, std::uint8_t* data, std::uint32_t* bytes_returned);
 
   /// Requests with value and index 0 whose data stage is all of `data`.
@@ -61,6 +62,9 @@ class ControlChannel {
   Status ClearBuffer() { return Write(Request::kClearBuffer, {}); }
 
  private:
+  Status Exchange(std::span<const std::uint8_t> record, std::span<std::uint8_t> reply,
+                  std::uint32_t* bytes_returned, platform::Completion& completion);
+
   std::unique_ptr<platform::Device> device_;
   platform::Mutex request_mutex_;  // innermost of all locks
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
 
 #include "platform/bytes.hpp"
 
@@ -12,13 +13,17 @@ using platform::ControlCode;
 
 Status Request(platform::Device& device, ControlCode code, std::span<std::uint8_t> output = {},
                std::uint32_t* bytes_returned = nullptr) {
-  platform::Completion completion;
-  std::uint32_t returned = 0;
-  const Status status = device.Control(code, {}, output, &returned, completion);
-  if (bytes_returned != nullptr) {
-    *bytes_returned = returned;
+  try {
+    platform::Completion completion;
+    std::uint32_t returned = 0;
+    const Status status = device.Control(code, {}, output, &returned, completion);
+    if (bytes_returned != nullptr) {
+      *bytes_returned = returned;
+    }
+    return status;
+  } catch (const std::bad_alloc&) {
+    return error::kNotEnoughMemory;  // no event for the request
   }
-  return status;
 }
 
 // Layout of the descriptors, USB 2.0 chapter 9.6: a configuration descriptor of 9 bytes, an

@@ -1,13 +1,15 @@
 #include "settings/mirror.hpp"
 
+#include "imaging/color_array.hpp"
+
 namespace vexa::settings {
 namespace {
 
 using device::Function;
 
 constexpr std::uint8_t kMirrorRegister = 63;  // bit 0 horizontal, bit 1 vertical
-constexpr std::uint8_t kHorizontal = 0x10;
-constexpr std::uint8_t kVertical = 0x20;
+constexpr std::uint8_t kHorizontal = imaging::kMirrorHorizontal;
+constexpr std::uint8_t kVertical = imaging::kMirrorVertical;
 
 }  // namespace
 
@@ -43,6 +45,10 @@ Status Mirror::Get(std::uint8_t* mode) {
     *mode = static_cast<std::uint8_t>((word & 3) << 4);
   }
   return status;
+}
+
+std::uint16_t Mirror::ColorArray() const {
+  return imaging::EffectiveColorArray(identity_.sensor_color_array(), cached_);
 }
 
 }  // namespace vexa::settings

@@ -24,7 +24,8 @@ class Mirror {
   Status Set(std::uint8_t mode);
   /// Reads the mode from the camera; 0 on failure and on models without mirroring.
   Status Get(std::uint8_t* mode);
-  std::uint8_t cached() const { return cached_; }
+  /// Colour array of the frames as mirrored now.
+  std::uint16_t ColorArray() const;
 
  private:
   device::Registers& registers_;

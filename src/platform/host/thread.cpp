@@ -55,7 +55,7 @@ struct Thread::Impl {
   explicit Impl(std::function<void()> thread_body) : body(std::move(thread_body)) {}
 
   void Run(ThreadPriority priority) noexcept {
-    id = static_cast<std::uint32_t>(gettid());
+    id = CurrentThreadId();
     started.Set();
     Introduce(priority);
     body();
@@ -104,5 +104,7 @@ void Thread::Join() { Wait(impl_->ended); }
 std::uint32_t Thread::id() const { return impl_->id; }
 
 bool Thread::IsCurrent() const { return impl_->thread.get_id() == std::this_thread::get_id(); }
+
+std::uint32_t CurrentThreadId() { return static_cast<std::uint32_t>(gettid()); }
 
 }  // namespace vexa::platform
