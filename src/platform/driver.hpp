@@ -4,6 +4,7 @@
 /// cannot tell them apart. Error values are Windows numbers on every system.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -44,7 +45,8 @@ class Completion {
 
   /// For drivers in process: makes ready for a new request (event reset) ...
   void Begin();
-  /// ... and ends it. The first call after Begin counts.
+  /// ... and ends it. The first call after Begin counts. The waiting side may destroy the
+  /// completion as soon as it is signalled; this call touches nothing of it afterwards.
   void Finish(Status status, std::uint32_t transferred);
   /// Waits for Finish; valid for drivers in process only.
   Status Await(std::uint32_t* transferred) const;
@@ -52,6 +54,7 @@ class Completion {
  private:
   Event done_;
   std::unique_ptr<Native> native_;
+  std::atomic<bool> in_flight_ = false;
   Status status_;
   std::uint32_t transferred_ = 0;
 };

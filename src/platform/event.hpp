@@ -12,6 +12,9 @@ namespace vexa::platform {
 /// Time-outs are in milliseconds; this value waits without limit.
 inline constexpr std::uint32_t kInfinite = 0xFFFFFFFF;
 
+/// The largest number of objects that one wait takes.
+inline constexpr std::size_t kMaxWaitObjects = 8;
+
 /// Something that a thread can wait for: an event, or the end of a thread.
 class Waitable {
  public:
@@ -31,7 +34,8 @@ class Waitable {
 };
 
 /// A manual-reset event. Set releases every thread that waits at that moment, even when another
-/// thread resets the event before the released threads run again.
+/// thread resets the event before the released threads run again. A thread that has seen the event
+/// signalled may destroy it although the call of Set has not returned yet.
 class Event : public Waitable {
  public:
   enum class Initially { kNonSignalled, kSignalled };
@@ -54,8 +58,8 @@ struct WaitResult {
   bool timed_out() const { return index == kTimedOut; }
 };
 
-/// Waits until one of the objects is signalled, at most 8 of them. Waiting does not change them.
-/// Allocates nothing.
+/// Waits until one of the objects is signalled. Waiting does not change them. Allocates nothing.
+/// Throws std::length_error when there is no object or more than kMaxWaitObjects of them.
 WaitResult WaitAny(std::initializer_list<const Waitable*> objects,
                    std::uint32_t timeout_ms = kInfinite);
 

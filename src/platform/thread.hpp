@@ -43,4 +43,7 @@ class Thread {
   std::unique_ptr<Impl> impl_;
 };
 
+/// The calling thread's identifier, comparable with Thread::id().
+std::uint32_t CurrentThreadId();
+
 }  // namespace vexa::platform

@@ -1,0 +1,37 @@
+/// \file
+/// The versions of the inner loops, and the choice among them.
+#pragma once
+
+#include <span>
+
+#include "imaging/kernels/row_kernels.hpp"
+
+// 64-bit Windows keeps the stack aligned to 16 bytes only, and GCC spills 32-byte vectors there as
+// if it were aligned to 32; that build goes without them.
+#if defined(__i386__) || (defined(__x86_64__) && defined(__ELF__))
+#define VEXA_AVX2_ROW_KERNELS
+#endif
+
+namespace vexa::imaging {
+
+/// Plain C++, on every processor.
+extern const RowKernels kReferenceRowKernels;
+
+#if defined(__SSE2__)
+/// The baseline of x86 builds.
+extern const RowKernels kSse2RowKernels;
+#endif
+
+#if defined(VEXA_AVX2_ROW_KERNELS)
+/// Only for processors with AVX2.
+extern const RowKernels kAvx2RowKernels;
+#endif
+
+/// Every version that this build contains and this processor can run, slowest (the reference)
+/// first. All give the same results.
+std::span<const RowKernels* const> UsableRowKernels();
+
+/// The last of them; chosen at the first call.
+const RowKernels& BestRowKernels();
+
+}  // namespace vexa::imaging

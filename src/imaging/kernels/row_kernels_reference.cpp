@@ -1,0 +1,98 @@
+// The plain version of every inner loop, by which the others are judged.
+#include <algorithm>
+
+#include "imaging/kernels/dispatch.hpp"
+#include "imaging/kernels/weight_tables.hpp"
+
+namespace vexa::imaging {
+namespace {
+
+Sample HalfSum(int a, int b) { return static_cast<Sample>((a + b) >> 1); }
+
+void Mean(const Sample* a, const Sample* b, Sample* out, std::size_t n) {
+  for (std::size_t i = 0; i < n; ++i) {
+    out[i] = HalfSum(a[i], b[i]);
+  }
+}
+
+void FourTap(const Sample* a, const Sample* b, const Sample* c, const Sample* d, Sample* out,
+             std::size_t n) {
+  for (std::size_t i = 0; i < n; ++i) {
+    const auto inner = static_cast<std::size_t>(a[i] + b[i]);
+    const auto outer = static_cast<std::size_t>(c[i] + d[i]);
+    const int value = weight_tables.five_eighths[inner] + weight_tables.minus_eighth[outer];
+    out[i] = static_cast<Sample>(std::clamp(value, 0, 255));
+  }
+}
+
+void Split(const Sample* s, const Sample* m, Sample* even, Sample* odd, std::size_t n) {
+  for (std::size_t i = 0; i < n; i += 2) {
+    even[i] = s[i];
+    odd[i] = m[i];
+  }
+  for (std::size_t i = 1; i < n; i += 2) {
+    even[i] = m[i];
+    odd[i] = s[i];
+  }
+}
+
+void SwapPairs(const Sample* s, Sample* out, std::size_t n) {
+  for (std::size_t i = 0; i < n; i += 2) {
+    out[i] = s[i + 1];
+    out[i + 1] = s[i];
+  }
+}
+
+void CellColor(const Sample* nearer, const Sample* farther, Sample* out, std::size_t n) {
+  const auto column = [&](std::size_t i) { return 3 * nearer[i] + farther[i]; };
+  for (std::size_t i = 0; i < n; i += 2) {
+    out[i] = static_cast<Sample>((3 * column(i) + column(i + 2)) >> 4);
+  }
+  for (std::size_t i = 1; i < n; i += 2) {
+    out[i] = static_cast<Sample>((3 * column(i + 1) + column(i - 1)) >> 4);
+  }
+}
+
+void CellGreen(const Sample* a, const Sample* b, Sample* out, std::size_t n) {
+  for (std::size_t i = 0; i < n; i += 2) {
+    out[i] = HalfSum(a[i], b[i + 1]);
+  }
+  for (std::size_t i = 1; i < n; i += 2) {
+    out[i] = HalfSum(a[i + 1], b[i]);
+  }
+}
+
+void StoreBgr24(const Sample* blue, const Sample* green, const Sample* red, Sample* out,
+                std::size_t n) {
+  for (std::size_t i = 0; i < n; ++i, out += 3) {
+    out[0] = blue[i];
+    out[1] = green[i];
+    out[2] = red[i];
+  }
+}
+
+void StoreBgr32(const Sample* blue, const Sample* green, const Sample* red, Sample* out,
+                std::size_t n) {
+  for (std::size_t i = 0; i < n; ++i, out += 4) {
+    out[0] = blue[i];
+    out[1] = green[i];
+    out[2] = red[i];
+    out[3] = 0;
+  }
+}
+
+}  // namespace
+
+constinit const RowKernels kReferenceRowKernels = {
+    .name = "reference",
+    .mean = Mean,
+    .four_tap = FourTap,
+    .split = Split,
+    .swap_pairs = SwapPairs,
+    .cell_color = CellColor,
+    .cell_green = CellGreen,
+    .store_bgr24 = StoreBgr24,
+    .store_bgr32 = StoreBgr32,
+};
+
+}  // namespace vexa::imaging

@@ -1,0 +1,43 @@
+/// \file
+/// Saving an image in a file whose type follows from its name.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/status.hpp"
+
+namespace vexa::output {
+
+/// Pixel format codes of images to save, with their bytes per pixel in the comments.
+enum class PixelFormat : std::uint32_t {
+  kMono8 = 1,    // 1
+  kMono16 = 2,   // 2
+  kBgr24 = 4,    // 3
+  kBgr32 = 8,    // 4
+  kMono10 = 16,  // 2
+  kMono12 = 32,  // 2
+  kMono14 = 64,  // 2
+};
+
+/// An image in the application's buffer: rows top first, no padding.
+struct Image {
+  std::uint32_t width = 0;   // pixels
+  std::uint32_t height = 0;  // rows
+  PixelFormat format{};      // possibly a value that is none of the codes
+  const std::uint8_t* pixels = nullptr;
+};
+
+enum class FileType { kRaw, kTiff, kJpeg, kBmp };
+
+/// The file type of an extension (the text behind the last "."): the first of RAW, TIF, TIFF, JPG
+/// and JPEG that begins with it, without regard to the case of A to Z; BMP when none does.
+FileType FileTypeOfExtension(std::u16string_view extension);
+
+/// Saves an image. kInvalidParameter: no "." in the name, or an image that the file type cannot
+/// hold; kNotSupported: a type that is not written yet; both before a file is created. kOpenFailed:
+/// the file cannot be created. Afterwards whatever the writer reports.
+Status SaveImage(const Image& image, const std::u16string& file_name);
+
+}  // namespace vexa::output
