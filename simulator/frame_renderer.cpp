@@ -14,19 +14,6 @@ constexpr std::size_t kHeaderFields = 64;
 constexpr std::uint32_t kMagic = 0x48465856;  // "VXFH"
 constexpr std::size_t kGroup = 4;             // pixels that the YUV layouts keep together
 
-std::uint16_t ColourArrayOf(const Geometry& geometry) {
-  if (geometry.colour_array == 1) return 1;
-  const Sampling sampling(geometry);
-  // The code follows from where red stands among the first four pixels.
-  for (std::uint16_t code = 2; code <= 5; ++code) {
-    if (FilterAt(code, 0, 0) ==
-        FilterAt(geometry.colour_array, sampling.columns[0], sampling.rows[0])) {
-      return code;
-    }
-  }
-  return geometry.colour_array;
-}
-
 }  // namespace
 
 FrameRenderer::FrameRenderer(const CameraConfig& config)
@@ -70,7 +57,7 @@ void FrameRenderer::WriteHeader(const CameraSettings& settings, std::uint32_t nu
   StoreLe32(header, 20, static_cast<std::uint32_t>(start >> 32));
   StoreLe32(header, 24, settings.exposure_clock);
   StoreLe16(header, 28, settings.gain);
-  StoreLe16(header, 30, ColourArrayOf(geometry));
+  StoreLe16(header, 30, image_.colour_array());
   StoreLe32(header, 32, geometry.width);
   StoreLe32(header, 36, geometry.height);
   StoreLe32(header, 40, settings.image.transfer_format);
