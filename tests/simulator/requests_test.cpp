@@ -68,10 +68,10 @@ TEST(TwinRequests, ScanSettingsTakeWhatTheSensorCanDo) {
     std::uint16_t mode;
     bool accepted;
   } cases[] = {
-      {640, 480, 320, 240, 1, true},  {2, 2, 1278, 962, 1, true},    {1280, 964, 0, 0, 4, true},
-      {640, 480, 641, 240, 1, false}, {640, 480, 0, 486, 1, false},  {0, 480, 0, 0, 1, false},
-      {640, 0, 0, 0, 1, false},       {641, 480, 0, 0, 1, false},    {640, 481, 0, 0, 1, false},
-      {640, 480, 1, 1, 1, true},      {640, 480, 0, 0, 0x10, false}, {640, 480, 0, 0, 3, false},
+      {640, 480, 320, 240, 1, true},      {2, 2, 1278, 962, 1, true},    {1280, 964, 0, 0, 4, true},
+      {640, 480, 641, 240, 1, false},     {640, 480, 0, 486, 1, false},  {0, 480, 0, 0, 1, false},
+      {640, 0, 0, 0, 1, false},           {641, 480, 0, 0, 1, false},    {640, 481, 0, 0, 1, false},
+      {640, 480, 1, 1, 1, true},          {640, 480, 0, 0, 0x10, false}, {640, 480, 0, 0, 3, false},
       {640, 480, 0xFFFFFFF0, 0, 1, false}};
   for (const auto& test : cases) {
     SCOPED_TRACE(testing::Message() << test.width << "x" << test.height << "+" << test.x << "+"
@@ -156,14 +156,14 @@ TEST(TwinRegisters, TwoFormsReachTheMainBlock) {
     EXPECT_THAT(data, ElementsAre(mark, 1, mark, 2));
   }
 
-  EXPECT_FALSE(rig.Out(0x80, 127, 0, {1, 2, 3, 4}).ok());   // beyond the block
-  EXPECT_FALSE(rig.Out(0x80, 1, 17, {1, 2}).ok());          // no such block
-  EXPECT_FALSE(rig.Out(0x80, 1, 0, {1}).ok());              // half a register
-  EXPECT_FALSE(rig.Out(0x80, 0x8066, 0, {1, 2}).ok());      // read only
-  EXPECT_FALSE(rig.Out(0x80, 0x8068, 0, {1, 2}).ok());      // read only
-  EXPECT_FALSE(rig.Out(0x80, 0x8021, 0, {1, 2}).ok());      // no direct form
-  EXPECT_FALSE(rig.In(0x80, 0x21, 0, 2, &data).ok());       // no direct form
-  EXPECT_FALSE(rig.In(0x80, 0x8030, 0, 4, &data).ok());     // the write's form
+  EXPECT_FALSE(rig.Out(0x80, 127, 0, {1, 2, 3, 4}).ok());  // beyond the block
+  EXPECT_FALSE(rig.Out(0x80, 1, 17, {1, 2}).ok());         // no such block
+  EXPECT_FALSE(rig.Out(0x80, 1, 0, {1}).ok());             // half a register
+  EXPECT_FALSE(rig.Out(0x80, 0x8066, 0, {1, 2}).ok());     // read only
+  EXPECT_FALSE(rig.Out(0x80, 0x8068, 0, {1, 2}).ok());     // read only
+  EXPECT_FALSE(rig.Out(0x80, 0x8021, 0, {1, 2}).ok());     // no direct form
+  EXPECT_FALSE(rig.In(0x80, 0x21, 0, 2, &data).ok());      // no direct form
+  EXPECT_FALSE(rig.In(0x80, 0x8030, 0, 4, &data).ok());    // the write's form
   TwinRig legacy(PlainCamera(0x0705));
   EXPECT_EQ(legacy.In(0x80, 0x30, 0, 4, &data).code(), 31u);
 }
@@ -236,9 +236,9 @@ TEST(TwinMemory, KeepsWhatIsWrittenAtItsAddresses) {
     std::uint8_t request;
     std::uint16_t address, index;
     bool served;
-  } cases[] = {{0xA0, 0x0000, 0, true},  {0xA0, 0x3FFE, 0, true},  {0xA0, 0xE600, 0, true},
-               {0xF0, 0x4000, 0, true},  {0xF0, 0xFFFE, 0, true},  {0xF0, 0x3FFF, 0, false},
-               {0xF0, 0xFFFF, 0, false}, {0xFA, 0x05FE, 0, true},  {0xFA, 0x0800, 0, false},
+  } cases[] = {{0xA0, 0x0000, 0, true},  {0xA0, 0x3FFE, 0, true},     {0xA0, 0xE600, 0, true},
+               {0xF0, 0x4000, 0, true},  {0xF0, 0xFFFE, 0, true},     {0xF0, 0x3FFF, 0, false},
+               {0xF0, 0xFFFF, 0, false}, {0xFA, 0x05FE, 0, true},     {0xFA, 0x0800, 0, false},
                {0xFA, 0x0200, 1, false}, {0xF9, 0x7000, 0x151, false}};
   for (const auto& test : cases) {
     SCOPED_TRACE(testing::Message() << +test.request << " at " << test.address);
