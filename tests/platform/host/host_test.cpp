@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
+#include <sched.h>
 
+#include <atomic>
 #include <thread>
 #include <vector>
 
 #include "VexaHost.h"
+#include "platform/event.hpp"
 #include "platform/output_file.hpp"
 #include "platform/posted_message.hpp"
 #include "platform/system_info.hpp"
@@ -13,6 +16,34 @@
 
 namespace vexa::platform {
 namespace {
+
+// On one processor, and with waiters that never displace another thread, nobody runs between Set
+// and Reset: a waiter that looked at the event again after being woken would always find it reset.
+TEST(HostEvent, SetReleasesEveryWaiterEvenWhenResetFollowsAtOnce) {
+  cpu_set_t all, one;
+  ASSERT_EQ(sched_getaffinity(0, sizeof(all), &all), 0);
+  CPU_ZERO(&one);
+  CPU_SET(sched_getcpu(), &one);
+  ASSERT_EQ(sched_setaffinity(0, sizeof(one), &one), 0);
+  constexpr std::uint32_t kGenerous = 60'000;  // ms
+  Event pulse, never, all_released;
+  std::atomic<int> waiting = 4;
+  std::vector<std::thread> waiters;
+  for (int i = 0; i < 4; ++i) {
+    waiters.emplace_back([&] {
+      const sched_param batch{};
+      EXPECT_EQ(sched_setscheduler(0, SCHED_BATCH, &batch), 0);
+      EXPECT_EQ(WaitAny({&never, &pulse}, kGenerous).index, 1u);
+      if (--waiting == 0) all_released.Set();
+    });
+  }
+  do {
+    pulse.Set();
+    pulse.Reset();
+  } while (!Wait(all_released, 20));
+  for (std::thread& waiter : waiters) waiter.join();
+  sched_setaffinity(0, sizeof(all), &all);
+}
 
 TEST(MessageQueue, KeepsOrderAndLosesWhatDoesNotFit) {
   const HWND queue = VexaHost_CreateMessageQueue();
