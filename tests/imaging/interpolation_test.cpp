@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "imaging/color_array.hpp"
+#include "imaging/demosaic.hpp"
 #include "imaging/kernels/weight_tables.hpp"
 
 namespace vexa::imaging {
@@ -215,8 +216,10 @@ TEST(Interpolation, EveryMethodFollowsItsRulesOnAllSmallSizes) {
 }
 
 TEST(Interpolation, EveryMethodFollowsItsRulesAcrossVectorsAndStrips) {
-  const std::pair<int, int> sizes[] = {{67, 35},  {64, 32},   {98, 11},  {131, 6},
-                                       {1024, 7}, {1025, 10}, {1026, 8}, {2592, 9}};
+  constexpr int kStrip = kStripWidth;
+  const std::pair<int, int> sizes[] = {{67, 35},         {64, 32},        {98, 11},
+                                       {131, 6},         {2592, 9},       {kStrip, 7},
+                                       {kStrip + 1, 10}, {kStrip + 2, 8}, {2 * kStrip + 3, 7}};
   for (const auto& [w, h] : sizes) {
     for (unsigned kind = 0; kind < 4; ++kind) {
       ASSERT_NO_FATAL_FAILURE(CheckFrame(w, h, kind));
