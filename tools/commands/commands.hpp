@@ -1,0 +1,28 @@
+/** The commands of the program. Each prints its results and returns the exit code; failures come
+ * as exceptions. */
+#pragma once
+
+#include "errors.hpp"
+#include "options.hpp"
+
+namespace vexa::tool {
+
+/** Prints a table of the cameras that are free. */
+ExitCode RunList(const ListOptions& options);
+
+/** Prints what a camera is and how it is set. */
+ExitCode RunInfo(const InfoOptions& options);
+
+/** Streams and saves frames. */
+ExitCode RunCapture(const CaptureOptions& options);
+
+/** Streams and prints measurements. */
+ExitCode RunStats(const StatsOptions& options);
+
+/** Writes a command's results to the standard output. @throws ToolError when that fails. */
+void Print(const std::string& text);
+
+/** Writes notes about settings that differ from what was asked to the standard error. */
+void PrintNotes(const std::vector<std::string>& notes);
+
+}  // namespace vexa::tool

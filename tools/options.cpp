@@ -1,0 +1,254 @@
+#include "options.hpp"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <sstream>
+#include <stdexcept>
+
+#include "names.hpp"
+#include "text.hpp"
+
+namespace vexa::tool {
+namespace {
+
+constexpr std::uint32_t kMaxFrames = 1'000'000;
+
+constexpr const char* kMainFooter = R"(
+Examples:
+  vexa list
+  vexa info --camera 1 --json
+  vexa capture --output picture.bmp
+  vexa capture --frames 100 --exposure-ms 5 --output run/frame-%04d.bmp
+  vexa capture --format 12bit --output deep.raw
+  vexa stats --seconds 30
+
+Exit codes:
+  0  success
+  1  a call failed, a file could not be written, or a capture was interrupted
+  2  the command line is wrong or does not fit the camera's settings
+  3  no camera could be opened
+  4  frames were lost, receiving failed, or no frame came in time
+
+Cameras have indexes from 0, in the system's order, among those that no other
+program uses. Settings stay in the camera when the program ends. Ctrl-C ends a
+command in good order; a second one at once.
+"vexa COMMAND --help" explains a command.)";
+
+constexpr const char* kCaptureFooter = R"(
+File names: %d or %04d is the place of the frame's index, from 1; %% is a percent
+sign. Several frames without a place get "-0001" and so on before the extension.
+The extension chooses the file type: .bmp a picture, .raw the frame's bytes as the
+camera sends them. Frames deeper than 8 bits and YUV frames need .raw. Saving runs
+beside the camera; frames that find no free buffer are not saved, and counted.
+
+Examples:
+  vexa capture --output picture.bmp --method four-tap
+  vexa capture --frames 100 --roi 0,0,640,480 --output run/frame-%04d.bmp)";
+
+constexpr const char* kStatsFooter = R"(
+Measured:
+  frames/s, MB/s   from the first frame to the last; 1 MB is 10^6 bytes of image
+  lost frames      gaps in the camera's frame numbers
+  interval         time from one frame's callback to the next frame's; intervals
+                   across lost frames do not count
+  deviation        |interval - median interval|: the values at or below which 50,
+                   90 and 99 % of the intervals lie, and the largest
+  CPU time         user and system time of the whole process per frame; with the
+                   built-in simulated cameras this includes their work
+
+Examples:
+  vexa stats --seconds 30
+  vexa stats --exposure-ms 2 --roi 0,0,640,480 --json)";
+
+std::uint32_t ParseNumber(std::string_view text) {
+  std::uint32_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (text.empty() || error != std::errc() || end != text.data() + text.size()) {
+    throw std::invalid_argument("\"" + std::string(text) + "\" is not a whole number from 0");
+  }
+  return number;
+}
+
+/** A finite number in a range; not a number is none. */
+CLI::Validator NumberIn(double low, double high) {
+  const std::string range = Format("%g to %g", low, high);
+  return {[low, high, range](std::string& text) {
+            double number = 0;
+            const bool valid = CLI::detail::lexical_cast(text, number) && std::isfinite(number) &&
+                               number >= low && number <= high;
+            return valid ? std::string() : "\"" + text + "\" is not a number from " + range;
+          },
+          "NUMBER"};
+}
+
+/** Adds an option whose text a function turns into the value; its std::invalid_argument becomes a
+ * usage error. */
+template <class Parse>
+CLI::Option* AddParsed(CLI::App& app, const std::string& name, Parse parse,
+                       const std::string& description) {
+  return app.add_option_function<std::string>(
+      name,
+      [name, parse](const std::string& text) {
+        try {
+          parse(text);
+        } catch (const std::invalid_argument& error) {
+          throw CLI::ValidationError(name, error.what());
+        }
+      },
+      description);
+}
+
+void AddCameraOption(CLI::App& app, std::uint32_t& camera) {
+  app.add_option("-c,--camera", camera, "Index of the camera, from 0 (default 0)")
+      ->type_name("I")
+      ->check(CLI::Range(0u, 255u).description(""));
+}
+
+void AddSettingOptions(CLI::App& app, SettingOptions& settings) {
+  app.add_option("--exposure-ms", settings.exposure_ms, "Exposure time in milliseconds")
+      ->type_name("X")
+      ->check(NumberIn(1e-6, 3.6e6).description(""));
+  AddParsed(
+      app, "--roi", [&settings](const std::string& text) { settings.region = ParseRegion(text); },
+      "Region of interest in pixels")
+      ->type_name("X,Y,W,H");
+  app.add_option("--scan-mode", settings.scan_mode,
+                 "Scan mode code, such as 0x0001 (\"vexa info\" lists the camera's)")
+      ->type_name("M");
+  AddParsed(
+      app, "--format",
+      [&settings](const std::string& text) {
+        settings.format = ParseTransferFormat(text);
+        if (!settings.format) {
+          throw std::invalid_argument("\"" + text +
+                                      "\" is no transfer format; known: " + TransferFormatNames(~0u));
+        }
+      },
+      "Transfer format: 8bit, 12bit, bgr24, ... or its code, such as 0x0001")
+      ->type_name("CODE");
+}
+
+void AddStreamOptions(CLI::App& app, StreamOptions& options) {
+  AddCameraOption(app, options.camera);
+  AddSettingOptions(app, options.settings);
+  app.add_option("--timeout", options.timeout_s,
+                 "Seconds to wait for a frame; 0 waits without limit (default 5, or three frame "
+                 "periods where that is longer)")
+      ->type_name("S")
+      ->check(NumberIn(0, 86400).description(""));
+  app.add_flag("-q,--quiet", options.quiet, "No progress");
+}
+
+void AddMethodOption(CLI::App& app, CaptureOptions& options) {
+  AddParsed(
+      app, "--method",
+      [&options](const std::string& text) {
+        std::string known;
+        for (const NamedCode& method : InterpolationMethods()) {
+          if (text == method.name) {
+            options.method = static_cast<std::uint8_t>(method.code);
+            return;
+          }
+          known += (known.empty() ? "" : ", ") + std::string(method.name);
+        }
+        throw std::invalid_argument("\"" + text + "\" is no method; known: " + known);
+      },
+      "Colour interpolation: none, mosaic, nearest, bilinear (default), four-tap, cell-centred")
+      ->type_name("NAME");
+}
+
+void AddCapture(CLI::App& app, CaptureOptions& options) {
+  AddStreamOptions(app, options.stream);
+  app.add_option("-n,--frames", options.frames, "Frames to save (default 1)")
+      ->type_name("N")
+      ->check(CLI::Range(1u, kMaxFrames).description(""));
+  app.add_option("-o,--output", options.output, "File name (default frame-%04d.bmp)")
+      ->type_name("PATTERN");
+  AddMethodOption(app, options);
+  app.add_flag("--overwrite", options.overwrite, "Replace files that exist");
+  app.footer(kCaptureFooter);
+}
+
+void AddStats(CLI::App& app, StatsOptions& options) {
+  AddStreamOptions(app, options.stream);
+  app.add_option("-s,--seconds", options.seconds, "How long to stream (default 10)")
+      ->type_name("S")
+      ->check(NumberIn(0.001, 86400).description(""));
+  app.add_flag("--json", options.json, "Print JSON");
+  app.footer(kStatsFooter);
+}
+
+Answer AnswerOf(const CLI::App& app, const CLI::Error& error) {
+  std::ostringstream output;
+  std::ostringstream errors;
+  const int code = app.exit(error, output, errors);
+  return {code == 0 ? ExitCode::kSuccess : ExitCode::kUsage, output.str(), errors.str()};
+}
+
+}  // namespace
+
+ParsedArguments ParseArguments(const std::vector<std::string>& arguments,
+                               const std::function<std::string()>& version) {
+  CLI::App app("Lists, inspects, captures from and measures Vexa cameras.", "vexa");
+  app.footer(kMainFooter);
+  app.set_version_flag("--version", version, "Print the version of the library and exit");
+  app.require_subcommand(1);
+  app.get_formatter()->column_width(28);
+
+  ListOptions list;
+  InfoOptions info;
+  CaptureOptions capture;
+  StatsOptions stats;
+  CLI::App* list_command = app.add_subcommand("list", "List the cameras that are free");
+  list_command->add_flag("--json", list.json, "Print JSON");
+  CLI::App* info_command = app.add_subcommand("info", "Show what a camera is and how it is set");
+  AddCameraOption(*info_command, info.camera);
+  info_command->add_flag("--json", info.json, "Print JSON");
+  CLI::App* capture_command = app.add_subcommand("capture", "Save frames as image files");
+  AddCapture(*capture_command, capture);
+  AddStats(*app.add_subcommand("stats", "Measure the transfer of frames"), stats);
+
+  try {
+    app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+  } catch (const CLI::Error& error) {
+    return AnswerOf(app, error);
+  }
+  if (list_command->parsed()) {
+    return list;
+  }
+  if (info_command->parsed()) {
+    return info;
+  }
+  if (capture_command->parsed()) {
+    return capture;
+  }
+  return stats;
+}
+
+Region ParseRegion(std::string_view text) {
+  std::array<std::uint32_t, 4> numbers{};
+  std::size_t count = 0;
+  for (std::string_view rest = text;; ++count) {
+    const std::size_t comma = rest.find(',');
+    if (count == numbers.size()) {
+      throw std::invalid_argument("a region has four numbers: X,Y,W,H");
+    }
+    numbers[count] = ParseNumber(rest.substr(0, comma));
+    if (comma == std::string_view::npos) {
+      break;
+    }
+    rest.remove_prefix(comma + 1);
+  }
+  if (count + 1 != numbers.size()) {
+    throw std::invalid_argument("a region has four numbers: X,Y,W,H");
+  }
+  if (numbers[2] == 0 || numbers[3] == 0) {
+    throw std::invalid_argument("width and height of a region are at least 1");
+  }
+  return {numbers[0], numbers[1], numbers[2], numbers[3]};
+}
+
+}  // namespace vexa::tool

@@ -1,0 +1,82 @@
+/** The command line: what the user asked for. */
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "errors.hpp"
+
+namespace vexa::tool {
+
+/** Region of interest in pixels. */
+struct Region {
+  std::uint32_t x = 0;
+  std::uint32_t y = 0;
+  std::uint32_t width = 0;
+  std::uint32_t height = 0;
+};
+
+/** Camera settings to change before a transfer; what is not given stays as it is. */
+struct SettingOptions {
+  std::optional<double> exposure_ms;
+  std::optional<Region> region;
+  std::optional<std::uint16_t> scan_mode;
+  std::optional<std::uint32_t> format; /**< VEXA_TRANSFER_ code. */
+};
+
+/** Options of the commands that stream. */
+struct StreamOptions {
+  std::uint32_t camera = 0;
+  SettingOptions settings;
+  std::optional<double> timeout_s; /**< Longest wait for a frame; 0 waits without limit. */
+  bool quiet = false;
+};
+
+struct ListOptions {
+  bool json = false;
+};
+
+struct InfoOptions {
+  std::uint32_t camera = 0;
+  bool json = false;
+};
+
+struct CaptureOptions {
+  StreamOptions stream;
+  std::uint32_t frames = 1;
+  std::string output = "frame-%04d.bmp";
+  std::optional<std::uint8_t> method; /**< VEXA_INTERP_ code. */
+  bool overwrite = false;
+};
+
+struct StatsOptions {
+  StreamOptions stream;
+  double seconds = 10;
+  bool json = false;
+};
+
+/** The command line is dealt with: help, the version, or a usage error. */
+struct Answer {
+  ExitCode exit_code = ExitCode::kSuccess;
+  std::string output; /**< For the standard output. */
+  std::string error;  /**< For the standard error. */
+};
+
+using ParsedArguments =
+    std::variant<Answer, ListOptions, InfoOptions, CaptureOptions, StatsOptions>;
+
+/** Reads the command line.
+ *  @param arguments without the program's name, UTF-8.
+ *  @param version   makes the text that --version prints. */
+ParsedArguments ParseArguments(const std::vector<std::string>& arguments,
+                               const std::function<std::string()>& version);
+
+/** A region from "X,Y,W,H". @throws std::invalid_argument with the reason. */
+Region ParseRegion(std::string_view text);
+
+}  // namespace vexa::tool
