@@ -57,8 +57,10 @@ class BgrImage {
 };
 
 /// Frames are worked on in strips of at most this many columns (an even number), whose
-/// intermediate rows lie on the stack and stay in the first-level cache.
-inline constexpr std::size_t kStripWidth = 1024;
+/// intermediate rows lie on the stack and stay in the caches near the processor. Wide enough for
+/// the rows of common sensors in one piece, and no power of two, which would put all rows of a
+/// strip into the same sets of a cache.
+inline constexpr std::size_t kStripWidth = 2624;
 
 /// Method kMosaic; the last column and row of odd sizes stay unwritten.
 void DemosaicMosaic(const BayerFrame& frame, const BgrImage& image, const RowKernels& kernels);

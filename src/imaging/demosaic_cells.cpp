@@ -9,13 +9,18 @@ namespace {
 
 using Plane = std::array<Sample, kStripWidth>;
 
-/// Deals a row and what stands in for its missing samples out to the row's own colour and green.
-void SplitRow(const BayerFrame& frame, std::size_t x, std::size_t y, std::size_t n,
-              const Plane& stand_in, Plane& own, Plane& green, const RowKernels& kernels) {
-  const bool own_is_even = frame.ColorParity(y) == 0;
-  kernels.split(frame.Row(y) + x, stand_in.data(), own_is_even ? own.data() : green.data(),
-                own_is_even ? green.data() : own.data(), n);
-}
+/// A stretch of a row: the colour that it has beside green, and green.
+struct RowPlanes {
+  Plane own;
+  Plane green;
+
+  template <class Kernel>
+  void Fill(const BayerFrame& frame, std::size_t x, std::size_t y, std::size_t n, Kernel row_pass) {
+    const bool own_is_even = frame.ColorParity(y) == 0;
+    row_pass(frame.Row(y) + x, own_is_even ? own.data() : green.data(),
+             own_is_even ? green.data() : own.data(), n);
+  }
+};
 
 constexpr std::size_t RoundDownToEven(std::size_t n) { return n & ~std::size_t{1}; }
 
@@ -25,15 +30,14 @@ void DemosaicMosaic(const BayerFrame& frame, const BgrImage& image, const RowKer
   static constexpr Plane kZeros{};
   const std::size_t columns = RoundDownToEven(frame.width);
   const std::size_t rows = RoundDownToEven(frame.height);
-  Plane own;
-  Plane green;
+  RowPlanes planes;
   for (std::size_t y = 0; y < rows; ++y) {
     for (std::size_t x = 0; x < columns; x += kStripWidth) {
       const std::size_t n = std::min(kStripWidth, columns - x);
-      SplitRow(frame, x, y, n, kZeros, own, green, kernels);
+      planes.Fill(frame, x, y, n, kernels.row_mosaic);
       const bool first_color = (y & 1) == 0;
-      image.Write(x, y, n, first_color ? own.data() : kZeros.data(), green.data(),
-                  first_color ? kZeros.data() : own.data());
+      image.Write(x, y, n, first_color ? planes.own.data() : kZeros.data(), planes.green.data(),
+                  first_color ? kZeros.data() : planes.own.data());
     }
   }
 }
@@ -41,18 +45,15 @@ void DemosaicMosaic(const BayerFrame& frame, const BgrImage& image, const RowKer
 void DemosaicNearest(const BayerFrame& frame, const BgrImage& image, const RowKernels& kernels) {
   const std::size_t columns = RoundDownToEven(frame.width);
   const std::size_t rows = RoundDownToEven(frame.height);
-  std::array<Plane, 2> own;
-  std::array<Plane, 2> green;
-  Plane swapped;
+  RowPlanes upper;
+  RowPlanes lower;
   for (std::size_t y = 0; y < rows; y += 2) {
     for (std::size_t x = 0; x < columns; x += kStripWidth) {
       const std::size_t n = std::min(kStripWidth, columns - x);
-      for (std::size_t i = 0; i < 2; ++i) {
-        kernels.swap_pairs(frame.Row(y + i) + x, swapped.data(), n);
-        SplitRow(frame, x, y + i, n, swapped, own[i], green[i], kernels);
-      }
-      image.Write(x, y, n, own[0].data(), green[0].data(), own[1].data());
-      image.Write(x, y + 1, n, own[0].data(), green[1].data(), own[1].data());
+      upper.Fill(frame, x, y, n, kernels.row_nearest);
+      lower.Fill(frame, x, y + 1, n, kernels.row_nearest);
+      image.Write(x, y, n, upper.own.data(), upper.green.data(), lower.own.data());
+      image.Write(x, y + 1, n, upper.own.data(), lower.green.data(), lower.own.data());
     }
   }
 }

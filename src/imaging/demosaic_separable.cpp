@@ -54,27 +54,27 @@ class Strip {
 
   void RowPass(std::size_t y) {
     const Sample* row = frame_.Row(y);
+    Sample* own = own_[y % kSlots].data();
+    Sample* green = green_[y % kSlots].data();
+    const std::size_t parity = frame_.ColorParity(y);
     const std::size_t end = x_ + n_;
     const std::size_t first = std::clamp(kReach, x_, end);
     const std::size_t last = std::clamp(frame_.width - kReach, first, end);
+    const auto near_border = [&](std::size_t x) {
+      const bool has_own = (x & 1) == parity;
+      (has_own ? own : green)[x - x_] = row[x];
+      (has_own ? green : own)[x - x_] = NearBorder(row, x);
+    };
     for (std::size_t x = x_; x < first; ++x) {
-      missing_[x - x_] = NearBorder(row, x);
+      near_border(x);
     }
-    const Sample* at = row + first;
-    Sample* out = missing_.data() + (first - x_);
-    if constexpr (kReach == kNear) {
-      kernels_.mean(at - kNear, at + kNear, out, last - first);
-    } else {
-      kernels_.four_tap(at - kNear, at + kNear, at - kFar, at + kFar, out, last - first);
-    }
+    const auto row_pass = kReach == kNear ? kernels_.row_mean : kernels_.row_four_tap;
+    const bool own_is_even = (first & 1) == parity;
+    row_pass(row + first, (own_is_even ? own : green) + (first - x_),
+             (own_is_even ? green : own) + (first - x_), last - first);
     for (std::size_t x = last; x < end; ++x) {
-      missing_[x - x_] = NearBorder(row, x);
+      near_border(x);
     }
-    Sample* own = own_[y % kSlots].data();
-    Sample* green = green_[y % kSlots].data();
-    const bool own_is_even = frame_.ColorParity(y) == 0;
-    kernels_.split(row + x_, missing_.data(), own_is_even ? own : green, own_is_even ? green : own,
-                   n_);
   }
 
   Sample NearBorder(const Sample* row, std::size_t x) const {
@@ -88,7 +88,6 @@ class Strip {
   std::size_t x_;
   std::size_t n_;
   std::size_t done_ = 0;
-  Plane missing_;  ///< at every pixel, the one of the row's two colours that the pixel lacks
   Plane other_;
   std::array<Plane, kSlots> own_;
   std::array<Plane, kSlots> green_;

@@ -101,28 +101,46 @@ void WidenInPlace(std::uint8_t* pixels, std::size_t count) {
   }
 }
 
+/// Methods 1 to 5, on buffers that have been checked.
+void InterpolateBayer(const InterpolationRequest& request, std::size_t pixels,
+                      const RowKernels& kernels) {
+  const auto method = static_cast<InterpolationMethod>(request.method);
+  const bool whole_cells_only =
+      method == InterpolationMethod::kMosaic || method == InterpolationMethod::kNearest;
+  const bool odd_size = ((request.width | request.height) & 1) != 0;
+  if (static_cast<OutputFormat>(request.output_format) == OutputFormat::kBgr24) {
+    Demosaic(request, 3, kernels);
+  } else if (whole_cells_only && odd_size) {
+    Demosaic(request, 3, kernels);
+    WidenInPlace(request.destination, pixels);
+  } else {
+    // Every pixel gets its value: stored as BGR32 at once, the same picture takes one pass less.
+    Demosaic(request, 4, kernels);
+  }
+}
+
 }  // namespace
 
 Status InterpolateColor(const InterpolationRequest& request, const RowKernels& kernels) {
-  const auto format = static_cast<OutputFormat>(request.output_format);
-  const std::size_t bytes_per_pixel = BytesPerPixel(format);
+  const std::size_t bytes_per_pixel =
+      BytesPerPixel(static_cast<OutputFormat>(request.output_format));
   if (bytes_per_pixel == 0) {
     return error::kInvalidParameter;
   }
-  const bool plain_copy = format == OutputFormat::kMono8;
+  const bool plain_copy = bytes_per_pixel == 1;
   if (!plain_copy && !CodesAreKnown(request)) {
     return error::kInvalidParameter;
   }
-  const bool interpolate = !plain_copy && !IsGrey(request);
-  const bool no_rows = interpolate && request.height < 2;
-  const auto [min_width, min_height] =
-      MinimumSizeOf(static_cast<InterpolationMethod>(request.method));
-  if (interpolate && !no_rows && (request.width < min_width || request.height < min_height)) {
-    return error::kInvalidParameter;
+  if (!plain_copy && !IsGrey(request)) {
+    if (request.height < 2) {
+      return error::kNone;
+    }
+    const auto smallest = MinimumSizeOf(static_cast<InterpolationMethod>(request.method));
+    if (request.width < smallest.width || request.height < smallest.height) {
+      return error::kInvalidParameter;
+    }
   }
-  const bool nothing_to_do =
-      request.width == 0 || request.height == 0 || (no_rows && format == OutputFormat::kBgr24);
-  if (nothing_to_do) {
+  if (request.width == 0 || request.height == 0) {
     return error::kNone;
   }
   if (!BuffersArePossible(request)) {
@@ -130,21 +148,13 @@ Status InterpolateColor(const InterpolationRequest& request, const RowKernels& k
   }
 
   const std::size_t pixels = std::size_t{request.width} * request.height;
-  const bool whole_cells = request.width % 2 == 0 && request.height % 2 == 0;
-  const bool leaves_pixels = no_rows || (min_height == 0 && !whole_cells);
   if (plain_copy) {
     std::memmove(request.destination, request.source, pixels);
-  } else if (!interpolate) {
+  } else if (IsGrey(request)) {
     const auto store = bytes_per_pixel == 3 ? kernels.store_bgr24 : kernels.store_bgr32;
     store(request.source, request.source, request.source, request.destination, pixels);
-  } else if (format == OutputFormat::kBgr32 && leaves_pixels) {
-    if (!no_rows) {
-      Demosaic(request, 3, kernels);
-    }
-    WidenInPlace(request.destination, pixels);
   } else {
-    // Every pixel is written: BGR32 can be stored at once, which saves a pass over the image.
-    Demosaic(request, bytes_per_pixel, kernels);
+    InterpolateBayer(request, pixels, kernels);
   }
   return error::kNone;
 }

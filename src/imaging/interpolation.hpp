@@ -34,22 +34,23 @@ struct InterpolationRequest {
   std::uint8_t* destination = nullptr;   ///< width x height pixels of the output format
 };
 
-/// Interpolates the frame. kInvalidParameter, with the destination untouched, when
-/// (checked in this order)
-///  1. the output format is unknown; format kMono8 is a copy of the frame, whatever method and
-///     colour array are, and skips checks 2 to 4;
-///  2. the colour array is not one of 1..5, or the method above 5. Method kNone and colour array
-///     kMono both mean a grey picture: the method is not looked at with kMono. They have no
-///     smallest size;
-///  3. (height below 2: methods 1 to 5 write no pixels and succeed, whatever the width is)
-///  4. the frame is smaller than the method needs: width 2 and height 4 for kBilinear, width and
-///     height 6 for kFourTap, width 2 for kCellCentred;
-///  5. anything is to be read or written and a buffer is missing or larger than the address space.
+/// Interpolates the frame. Checks in this order, the first that applies decides:
+///  1. kInvalidParameter if the output format is unknown. Format kMono8 is a copy of the frame
+///     whatever method and colour array are; it goes on with check 5.
+///  2. kInvalidParameter if the colour array is not one of 1..5, or the method is above 5. Method
+///     kNone and colour array kMono (with any method) make a grey picture of any size, and go on
+///     with check 5.
+///  3. Nothing is written, and that is a success, if the height is below 2.
+///  4. kInvalidParameter if the frame is smaller than the method needs: width 2 and height 4 for
+///     kBilinear, width and height 6 for kFourTap, width 2 for kCellCentred.
+///  5. Success without looking at the buffers if there are no pixels.
+///  6. kInvalidParameter if a buffer is missing or larger than the address space.
+/// A refused call leaves the destination untouched.
 ///
 /// kMosaic and kNearest work on whole 2 x 2 cells: an odd last column or row is not written. The
-/// other methods write every pixel, of odd sizes too. kBgr32 stands for kBgr24 widened in place,
-/// and the pixels that kBgr24 leaves unwritten are no exception: their bytes move with the
-/// others, and their fourth byte becomes 0.
+/// other methods write every pixel, of odd sizes too. kBgr32 is what widening a kBgr24 image in
+/// place makes, with no exception for pixels that are not written: whatever bytes stand where
+/// their BGR24 is move along, and their fourth byte becomes 0.
 ///
 /// Keeps no state; any thread may call it. Source and destination must not overlap, except that
 /// kMono8 copies between overlapping buffers too.

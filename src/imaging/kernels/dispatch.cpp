@@ -3,36 +3,41 @@
 #include <array>
 
 namespace vexa::imaging {
-extern const RowKernels kSsse3RowKernels;
 namespace {
 
-struct Choice {
-  std::array<const RowKernels*, 4> versions{};
-  std::size_t count = 0;
-
-  Choice() {
-    versions[count++] = &kReferenceRowKernels;
+/// What this processor can run, found out once.
+class UsableVersions {
+ public:
+  UsableVersions() {
+    Add(kReferenceRowKernels);
 #if defined(__SSE2__)
-    versions[count++] = &kSse2RowKernels;
-    if (__builtin_cpu_supports("ssse3")) versions[count++] = &kSsse3RowKernels;
+    __builtin_cpu_init();
+    Add(kSse2RowKernels);
+    if (__builtin_cpu_supports("ssse3")) {
+      Add(kSsse3RowKernels);
+    }
 #endif
 #if defined(VEXA_AVX2_ROW_KERNELS)
     if (__builtin_cpu_supports("avx2")) {
-      versions[count++] = &kAvx2RowKernels;
+      Add(kAvx2RowKernels);
     }
 #endif
   }
-};
 
-const Choice& Chosen() {
-  static const Choice choice;
-  return choice;
-}
+  std::span<const RowKernels* const> All() const { return std::span(versions_).first(count_); }
+
+ private:
+  void Add(const RowKernels& version) { versions_[count_++] = &version; }
+
+  std::array<const RowKernels*, 4> versions_{};
+  std::size_t count_ = 0;
+};
 
 }  // namespace
 
 std::span<const RowKernels* const> UsableRowKernels() {
-  return std::span(Chosen().versions).first(Chosen().count);
+  static const UsableVersions versions;
+  return versions.All();
 }
 
 const RowKernels& BestRowKernels() { return *UsableRowKernels().back(); }

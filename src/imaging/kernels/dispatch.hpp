@@ -20,6 +20,9 @@ extern const RowKernels kReferenceRowKernels;
 #if defined(__SSE2__)
 /// The baseline of x86 builds.
 extern const RowKernels kSse2RowKernels;
+
+/// Only for processors with SSSE3.
+extern const RowKernels kSsse3RowKernels;
 #endif
 
 #if defined(VEXA_AVX2_ROW_KERNELS)

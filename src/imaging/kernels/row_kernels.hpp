@@ -17,6 +17,24 @@ using Sample = std::uint8_t;
 struct RowKernels {
   const char* name;
 
+  // Row passes. The samples of a row belong to two colours in turn; each pass completes both.
+  // `even` receives the colour of the even samples, `odd` that of the odd ones. The sample itself
+  // is one of the two values of its pixel; the other is what the pass is named for.
+
+  /// The missing value is 0.
+  void (*row_mosaic)(const Sample* s, Sample* even, Sample* odd, std::size_t n);
+
+  /// The missing value is the other sample of the pair. n is even.
+  void (*row_nearest)(const Sample* s, Sample* even, Sample* odd, std::size_t n);
+
+  /// The missing value is the mean of the two samples beside it. Reads s[-1] to s[n].
+  void (*row_mean)(const Sample* s, Sample* even, Sample* odd, std::size_t n);
+
+  /// The missing value is that of four_tap for the samples beside it. Reads s[-3] to s[n + 2].
+  void (*row_four_tap)(const Sample* s, Sample* even, Sample* odd, std::size_t n);
+
+  // Column passes, from other rows' results.
+
   /// out[i] = (a[i] + b[i]) / 2
   void (*mean)(const Sample* a, const Sample* b, Sample* out, std::size_t n);
 
@@ -25,11 +43,7 @@ struct RowKernels {
   void (*four_tap)(const Sample* a, const Sample* b, const Sample* c, const Sample* d, Sample* out,
                    std::size_t n);
 
-  /// Deals two rows out by parity: even = s[0] m[1] s[2] ..., odd = m[0] s[1] m[2] ...
-  void (*split)(const Sample* s, const Sample* m, Sample* even, Sample* odd, std::size_t n);
-
-  /// Exchanges the two samples of each pair. n is even.
-  void (*swap_pairs)(const Sample* s, Sample* out, std::size_t n);
+  // Values at the centres of 2 x 2 cells, from two rows at once.
 
   /// A colour that lies on the even samples of two rows, taken a quarter of its lattice away from
   /// the nearest sample in both directions: with v = 3 nearer + farther,
@@ -40,6 +54,8 @@ struct RowKernels {
   /// The mean of the two diagonal samples of each 2 x 2 cell: (a[i] + b[i + 1]) / 2 for even i and
   /// (a[i + 1] + b[i]) / 2 for odd i. a and b are readable for n + 1 samples.
   void (*cell_green)(const Sample* a, const Sample* b, Sample* out, std::size_t n);
+
+  // What all methods end with.
 
   /// Interleaves three planes to BGR24 (3 n bytes).
   void (*store_bgr24)(const Sample* blue, const Sample* green, const Sample* red, Sample* out,

@@ -9,6 +9,48 @@ namespace {
 
 Sample HalfSum(int a, int b) { return static_cast<Sample>((a + b) >> 1); }
 
+Sample FourTapAt(int a, int b, int c, int d) {
+  const auto inner = static_cast<std::size_t>(a + b);
+  const auto outer = static_cast<std::size_t>(c + d);
+  const int value = weight_tables.five_eighths[inner] + weight_tables.minus_eighth[outer];
+  return static_cast<Sample>(std::clamp(value, 0, 255));
+}
+
+/// missing(i) is the value that pixel i lacks.
+template <class Missing>
+void RowPass(const Sample* s, Sample* even, Sample* odd, std::size_t n, Missing missing) {
+  for (std::size_t i = 0; i < n; i += 2) {
+    even[i] = s[i];
+    odd[i] = missing(i);
+  }
+  for (std::size_t i = 1; i < n; i += 2) {
+    even[i] = missing(i);
+    odd[i] = s[i];
+  }
+}
+
+void RowMosaic(const Sample* s, Sample* even, Sample* odd, std::size_t n) {
+  RowPass(s, even, odd, n, [](std::size_t) { return Sample{0}; });
+}
+
+void RowNearest(const Sample* s, Sample* even, Sample* odd, std::size_t n) {
+  RowPass(s, even, odd, n, [=](std::size_t i) { return s[i ^ 1]; });
+}
+
+void RowMean(const Sample* s, Sample* even, Sample* odd, std::size_t n) {
+  RowPass(s, even, odd, n, [=](std::size_t i) {
+    const Sample* at = s + i;
+    return HalfSum(at[-1], at[1]);
+  });
+}
+
+void RowFourTap(const Sample* s, Sample* even, Sample* odd, std::size_t n) {
+  RowPass(s, even, odd, n, [=](std::size_t i) {
+    const Sample* at = s + i;
+    return FourTapAt(at[-1], at[1], at[-3], at[3]);
+  });
+}
+
 void Mean(const Sample* a, const Sample* b, Sample* out, std::size_t n) {
   for (std::size_t i = 0; i < n; ++i) {
     out[i] = HalfSum(a[i], b[i]);
@@ -18,28 +60,7 @@ void Mean(const Sample* a, const Sample* b, Sample* out, std::size_t n) {
 void FourTap(const Sample* a, const Sample* b, const Sample* c, const Sample* d, Sample* out,
              std::size_t n) {
   for (std::size_t i = 0; i < n; ++i) {
-    const auto inner = static_cast<std::size_t>(a[i] + b[i]);
-    const auto outer = static_cast<std::size_t>(c[i] + d[i]);
-    const int value = weight_tables.five_eighths[inner] + weight_tables.minus_eighth[outer];
-    out[i] = static_cast<Sample>(std::clamp(value, 0, 255));
-  }
-}
-
-void Split(const Sample* s, const Sample* m, Sample* even, Sample* odd, std::size_t n) {
-  for (std::size_t i = 0; i < n; i += 2) {
-    even[i] = s[i];
-    odd[i] = m[i];
-  }
-  for (std::size_t i = 1; i < n; i += 2) {
-    even[i] = m[i];
-    odd[i] = s[i];
-  }
-}
-
-void SwapPairs(const Sample* s, Sample* out, std::size_t n) {
-  for (std::size_t i = 0; i < n; i += 2) {
-    out[i] = s[i + 1];
-    out[i + 1] = s[i];
+    out[i] = FourTapAt(a[i], b[i], c[i], d[i]);
   }
 }
 
@@ -85,10 +106,12 @@ void StoreBgr32(const Sample* blue, const Sample* green, const Sample* red, Samp
 
 constinit const RowKernels kReferenceRowKernels = {
     .name = "reference",
+    .row_mosaic = RowMosaic,
+    .row_nearest = RowNearest,
+    .row_mean = RowMean,
+    .row_four_tap = RowFourTap,
     .mean = Mean,
     .four_tap = FourTap,
-    .split = Split,
-    .swap_pairs = SwapPairs,
     .cell_color = CellColor,
     .cell_green = CellGreen,
     .store_bgr24 = StoreBgr24,

@@ -60,48 +60,63 @@ struct VectorRows {
     }
   }
 
-  static void Mean(const Sample* a, const Sample* b, Sample* out, std::size_t n) {
-    const std::size_t done =
-        ForEachVector(n, [=](std::size_t i) { Store(out + i, HalfSum(Load(a + i), Load(b + i))); });
-    kReferenceRowKernels.mean(a + done, b + done, out + done, n - done);
-  }
-
   /// What the weight tables say, for sums of two samples in words.
   static Words Weigh(Words inner, Words outer) {
     const Shorts value = (Shorts)((inner * 5 + 4) >> 3) - (Shorts)((outer + 4) >> 3);
     const Shorts floored = value < 0 ? Shorts{} : value;
     return (Words)(floored > 255 ? Shorts{} + 255 : floored);
   }
+  static Bytes FourTapOf(Bytes a, Bytes b, Bytes c, Bytes d) {
+    return Join(Weigh(Even(a) + Even(b), Even(c) + Even(d)),
+                Weigh(Odd(a) + Odd(b), Odd(c) + Odd(d)));
+  }
+
+  // What the pixels from `at`, whose samples are v, lack.
+  static Bytes Nothing(const Sample*, Bytes) { return Bytes{}; }
+  static Bytes Partner(const Sample*, Bytes v) { return Join(Odd(v), Even(v)); }
+  static Bytes MeanBeside(const Sample* at, Bytes) { return HalfSum(Load(at - 1), Load(at + 1)); }
+  static Bytes FourTapBeside(const Sample* at, Bytes) {
+    return FourTapOf(Load(at - 1), Load(at + 1), Load(at - 3), Load(at + 3));
+  }
+
+  /// A row pass; `rest` does the samples that do not fill a vector.
+  template <Bytes (*kMissing)(const Sample*, Bytes)>
+  static void RowPass(const Sample* s, Sample* even, Sample* odd, std::size_t n,
+                      decltype(RowKernels::row_mean) rest) {
+    const std::size_t done = ForEachVector(n, [=](std::size_t i) {
+      const Bytes present = Load(s + i);
+      const Bytes absent = kMissing(s + i, present);
+      Store(even + i, PickByParity(present, absent));
+      Store(odd + i, PickByParity(absent, present));
+    });
+    rest(s + done, even + done, odd + done, n - done);
+  }
+
+  static void RowMosaic(const Sample* s, Sample* even, Sample* odd, std::size_t n) {
+    RowPass<Nothing>(s, even, odd, n, kReferenceRowKernels.row_mosaic);
+  }
+  static void RowNearest(const Sample* s, Sample* even, Sample* odd, std::size_t n) {
+    RowPass<Partner>(s, even, odd, n, kReferenceRowKernels.row_nearest);
+  }
+  static void RowMean(const Sample* s, Sample* even, Sample* odd, std::size_t n) {
+    RowPass<MeanBeside>(s, even, odd, n, kReferenceRowKernels.row_mean);
+  }
+  static void RowFourTap(const Sample* s, Sample* even, Sample* odd, std::size_t n) {
+    RowPass<FourTapBeside>(s, even, odd, n, kReferenceRowKernels.row_four_tap);
+  }
+
+  static void Mean(const Sample* a, const Sample* b, Sample* out, std::size_t n) {
+    const std::size_t done =
+        ForEachVector(n, [=](std::size_t i) { Store(out + i, HalfSum(Load(a + i), Load(b + i))); });
+    kReferenceRowKernels.mean(a + done, b + done, out + done, n - done);
+  }
 
   static void FourTap(const Sample* a, const Sample* b, const Sample* c, const Sample* d,
                       Sample* out, std::size_t n) {
     const std::size_t done = ForEachVector(n, [=](std::size_t i) {
-      const Bytes va = Load(a + i);
-      const Bytes vb = Load(b + i);
-      const Bytes vc = Load(c + i);
-      const Bytes vd = Load(d + i);
-      Store(out + i, Join(Weigh(Even(va) + Even(vb), Even(vc) + Even(vd)),
-                          Weigh(Odd(va) + Odd(vb), Odd(vc) + Odd(vd))));
+      Store(out + i, FourTapOf(Load(a + i), Load(b + i), Load(c + i), Load(d + i)));
     });
     kReferenceRowKernels.four_tap(a + done, b + done, c + done, d + done, out + done, n - done);
-  }
-
-  static void Split(const Sample* s, const Sample* m, Sample* even, Sample* odd, std::size_t n) {
-    const std::size_t done = ForEachVector(n, [=](std::size_t i) {
-      const Bytes vs = Load(s + i);
-      const Bytes vm = Load(m + i);
-      Store(even + i, PickByParity(vs, vm));
-      Store(odd + i, PickByParity(vm, vs));
-    });
-    kReferenceRowKernels.split(s + done, m + done, even + done, odd + done, n - done);
-  }
-
-  static void SwapPairs(const Sample* s, Sample* out, std::size_t n) {
-    const std::size_t done = ForEachVector(n, [=](std::size_t i) {
-      const Bytes v = Load(s + i);
-      Store(out + i, Join(Odd(v), Even(v)));
-    });
-    kReferenceRowKernels.swap_pairs(s + done, out + done, n - done);
   }
 
   static void CellColor(const Sample* nearer, const Sample* farther, Sample* out, std::size_t n) {
@@ -142,10 +157,12 @@ struct VectorRows {
   static constexpr RowKernels Kernels(const char* name) {
     return {
         .name = name,
+        .row_mosaic = RowMosaic,
+        .row_nearest = RowNearest,
+        .row_mean = RowMean,
+        .row_four_tap = RowFourTap,
         .mean = Mean,
         .four_tap = FourTap,
-        .split = Split,
-        .swap_pairs = SwapPairs,
         .cell_color = CellColor,
         .cell_green = CellGreen,
         .store_bgr24 = StoreBgr24,

@@ -67,4 +67,6 @@ std::uint32_t Thread::id() const { return impl_->id; }
 
 bool Thread::IsCurrent() const { return ::GetCurrentThreadId() == impl_->id; }
 
+std::uint32_t CurrentThreadId() { return ::GetCurrentThreadId(); }
+
 }  // namespace vexa::platform

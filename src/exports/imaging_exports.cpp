@@ -1,0 +1,21 @@
+// Image functions on the application's own buffers.
+
+#include "VexaAPI.h"
+#include "exports/call_frame.hpp"
+#include "imaging/interpolation.hpp"
+
+using namespace vexa::exports;  // NOLINT(google-build-using-namespace): the frame of every function
+
+BOOL VEXA_CALL Vexa_ColorInterpolation(DWORD width, DWORD height, WORD color_array,
+                                       const BYTE* source, BYTE* destination, BYTE method,
+                                       DWORD output_format) {
+  return Call([&] {
+    return vexa::imaging::InterpolateColor({.width = width,
+                                            .height = height,
+                                            .color_array = color_array,
+                                            .method = method,
+                                            .output_format = output_format,
+                                            .source = source,
+                                            .destination = destination});
+  });
+}
