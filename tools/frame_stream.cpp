@@ -34,7 +34,8 @@ FrameStream::FrameStream(const Camera& camera, std::uint32_t format, Consumer co
 
 FrameStream::~FrameStream() {
   if (started_) {
-    // Whatever fails here: removing a callback waits for a running one, so none meets a dead stream.
+    // Whatever fails here: removing a callback waits for a running one, so none meets a dead
+    // stream.
     static_cast<void>(Vexa_StopTransfer(camera_.handle()));
     static_cast<void>(Vexa_SetTransferEndCallback(camera_.handle(), nullptr, nullptr));
     static_cast<void>(Vexa_SetRcvErrorCallback(camera_.handle(), nullptr, nullptr));

@@ -123,8 +123,8 @@ void AddSettingOptions(CLI::App& app, SettingOptions& settings) {
       [&settings](const std::string& text) {
         settings.format = ParseTransferFormat(text);
         if (!settings.format) {
-          throw std::invalid_argument("\"" + text +
-                                      "\" is no transfer format; known: " + TransferFormatNames(~0u));
+          throw std::invalid_argument(
+              "\"" + text + "\" is no transfer format; known: " + TransferFormatNames(~0u));
         }
       },
       "Transfer format: 8bit, 12bit, bgr24, ... or its code, such as 0x0001")

@@ -7,8 +7,9 @@ namespace {
 
 /** Characters of UTF-8 text, as far as one code point is one column. */
 std::size_t Columns(const std::string& text) {
-  return static_cast<std::size_t>(std::count_if(
-      text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+  }));
 }
 
 std::string Padded(const std::string& text, std::size_t columns) {

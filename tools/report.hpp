@@ -30,7 +30,8 @@ std::string ToJson(const std::vector<Section>& sections);
 /** One heading per section and one line per fact. */
 std::string ToText(const std::vector<Section>& sections);
 
-/** Columns of text, as wide as their widest cell, two spaces apart; the first row is the heading. */
+/** Columns of text, as wide as their widest cell, two spaces apart; the first row is the heading.
+ */
 std::string FormatTable(const std::vector<std::vector<std::string>>& rows);
 
 /** A JSON document, indented, ending with a new line; bytes that are not UTF-8 are replaced. */
