@@ -10,8 +10,8 @@
 
 namespace vexa::platform {
 
-/// UTF-16 to the narrow code page; unpaired surrogates and characters that it lacks become its
-/// replacement character. Fails only when the system's conversion does.
+/// UTF-16 to the narrow code page; characters that it lacks become similar ones or its replacement
+/// character, unpaired surrogates the latter. Fails only when the system's conversion does.
 Status ToNarrow(const std::u16string& wide, std::string* narrow);
 
 /// Narrow code page to UTF-16; malformed input becomes U+FFFD.

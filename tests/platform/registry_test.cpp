@@ -42,23 +42,18 @@ TEST_F(RegistryTest, QueryReadsUpToFourBytesOverTheCallersValue) {
 }
 
 TEST_F(RegistryTest, OpensOnlyWhatExistsUnlessToldToCreate) {
-  const auto open = [](bool create) {
-    return std::make_unique<CwRegKey>(RegistryRoot::kCurrentUser, kKey, kAllAccess, create);
-  };
   std::uint32_t value = 7;
-  const auto absent = open(false);
-  EXPECT_FALSE(absent->is_open());
-  EXPECT_EQ(absent->Close(), 87u);
-  EXPECT_EQ(absent->QueryDword(u"Full", &value), 87u);
+  for (const bool create : {false, true}) {
+    CwRegKey key(RegistryRoot::kCurrentUser, kKey, kAllAccess, create);
+    EXPECT_EQ(key.is_open(), create);
+    EXPECT_EQ(key.QueryDword(u"Full", &value), create ? 2u : 87u);
+    EXPECT_EQ(key.Close(), create ? 0u : 87u);
+    EXPECT_FALSE(key.is_open());
+    EXPECT_EQ(key.Close(), 87u);
+  }
   EXPECT_EQ(value, 7u);
-
-  const auto created = open(true);
-  EXPECT_TRUE(created->is_open());
-  EXPECT_TRUE(open(false)->is_open());
-  EXPECT_EQ(created->QueryDword(u"Full", &value), 2u);
-  EXPECT_EQ(created->Close(), 0u);
-  EXPECT_FALSE(created->is_open());
-  EXPECT_EQ(created->Close(), 87u);
+  EXPECT_TRUE(CwRegKey(RegistryRoot::kCurrentUser, kKey, kRegistryRead, false).is_open());
+  EXPECT_FALSE(CwRegKey(RegistryRoot::kLocalMachine, kKey, kRegistryRead, false).is_open());
 }
 
 }  // namespace

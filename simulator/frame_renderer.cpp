@@ -1,0 +1,143 @@
+#include "simulator/frame_renderer.hpp"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+
+#include "platform/bytes.hpp"
+#include "simulator/pixel_format.hpp"
+
+namespace vexa::simulator {
+namespace {
+
+constexpr std::size_t kHeaderFields = 64;
+constexpr std::uint32_t kMagic = 0x48465856;  // "VXFH"
+constexpr std::size_t kGroup = 4;             // pixels that the YUV layouts keep together
+
+std::uint16_t ColourArrayOf(const Geometry& geometry) {
+  if (geometry.colour_array == 1) return 1;
+  const Sampling sampling(geometry);
+  // The code follows from where red stands among the first four pixels.
+  for (std::uint16_t code = 2; code <= 5; ++code) {
+    if (FilterAt(code, 0, 0) ==
+        FilterAt(geometry.colour_array, sampling.columns[0], sampling.rows[0])) {
+      return code;
+    }
+  }
+  return geometry.colour_array;
+}
+
+}  // namespace
+
+FrameRenderer::FrameRenderer(const CameraConfig& config)
+    : config_(config), noise_(config.seed), image_(config) {
+  for (auto& samples : stretch_) samples.resize(NoiseSource::kLongestStretch);
+}
+
+void FrameRenderer::Render(const std::shared_ptr<const CameraSettings>& settings,
+                           std::uint32_t number, FrameBuffer* frame) {
+  if (settings != settings_) {
+    if (image_.Configure(settings->image)) ++picture_;
+    settings_ = settings;
+  }
+  image_.MoveTo(number);
+  const ImageSettings& image = settings->image;
+  frame->bytes.resize(config_.header_size +
+                      ImageBytes(image.transfer_format, image_.width(), image_.height()));
+  WriteHeader(*settings, number, frame);
+  const bool whole_groups = IsOneSample(image.transfer_format) || image_.width() % kGroup == 0;
+  if (config_.noise || frame->picture != picture_ || !whole_groups) {
+    WriteAll(number, frame);
+  } else {
+    WriteMoved(number, frame);
+  }
+  frame->picture = picture_;
+  frame->placements = image_.placements();
+}
+
+void FrameRenderer::WriteHeader(const CameraSettings& settings, std::uint32_t number,
+                                FrameBuffer* frame) const {
+  std::array<std::uint8_t, kHeaderFields> header{};
+  const Geometry& geometry = settings.image.geometry;
+  const auto period =
+      std::chrono::duration_cast<std::chrono::microseconds>(settings.timing.period).count();
+  const std::uint64_t start = std::uint64_t{number} * static_cast<std::uint64_t>(period);
+  StoreLe32(header, 0, kMagic);
+  StoreLe32(header, 4, config_.header_size);
+  StoreLe32(header, 8, static_cast<std::uint32_t>(frame->bytes.size() - config_.header_size));
+  StoreLe32(header, 12, number);
+  StoreLe32(header, 16, static_cast<std::uint32_t>(start));
+  StoreLe32(header, 20, static_cast<std::uint32_t>(start >> 32));
+  StoreLe32(header, 24, settings.exposure_clock);
+  StoreLe16(header, 28, settings.gain);
+  StoreLe16(header, 30, ColourArrayOf(geometry));
+  StoreLe32(header, 32, geometry.width);
+  StoreLe32(header, 36, geometry.height);
+  StoreLe32(header, 40, settings.image.transfer_format);
+  StoreLe32(header, 44, settings.trigger.word);
+  StoreLe16(header, 48, config_.product_id);
+  const std::size_t there = std::min<std::size_t>(header.size(), config_.header_size);
+  std::copy_n(header.begin(), there, frame->bytes.begin());
+}
+
+void FrameRenderer::WriteAll(std::uint32_t number, FrameBuffer* frame) {
+  WriteArea(number, {{0, image_.width()}, {0, image_.height()}}, frame);
+}
+
+void FrameRenderer::WriteMoved(std::uint32_t number, FrameBuffer* frame) {
+  const Overlay::Placements& placements = image_.placements();
+  for (std::size_t i = 0; i < placements.size(); ++i) {
+    if (frame->placements[i] == placements[i]) continue;
+    for (const Placement& place : {frame->placements[i], placements[i]}) {
+      SensorImage::Area area = image_.AreaOf(place);
+      if (area.columns.first >= area.columns.end) continue;
+      area.columns.first = area.columns.first / kGroup * kGroup;
+      area.columns.end =
+          std::min<std::size_t>((area.columns.end + kGroup - 1) / kGroup * kGroup, image_.width());
+      WriteArea(number, area, frame);
+    }
+  }
+}
+
+void FrameRenderer::WriteArea(std::uint32_t number, const SensorImage::Area& area,
+                              FrameBuffer* frame) {
+  std::uint8_t* image = frame->bytes.data() + config_.header_size;
+  const std::size_t row_bytes = ImageBytes(image_.format(), image_.width(), 1);
+  for (std::size_t y = area.rows.first; y < area.rows.end; ++y) {
+    std::size_t x = area.columns.first;
+    while (x < area.columns.end) {
+      const std::size_t stretch_end =
+          (x / NoiseSource::kLongestStretch + 1) * NoiseSource::kLongestStretch;
+      const std::size_t end = std::min(area.columns.end, stretch_end);
+      WriteStretch(number, y, x, end, image + y * row_bytes);
+      x = end;
+    }
+  }
+}
+
+void FrameRenderer::WriteStretch(std::uint32_t number, std::size_t y, std::size_t first,
+                                 std::size_t end, std::uint8_t* row) {
+  const std::vector<Plane>& planes = image_.planes();
+  const std::size_t begin = y * image_.width() + first;
+  const std::size_t count = end - first;
+  const auto stretch = static_cast<std::uint32_t>(first / NoiseSource::kLongestStretch);
+  const auto line = static_cast<std::uint32_t>(y);
+  std::uint8_t* out = row + ImageBytes(image_.format(), static_cast<std::uint32_t>(first), 1);
+  std::span<const std::int16_t> samples[3];
+  for (std::uint32_t p = 0; p < planes.size(); ++p) {
+    samples[p] = std::span(planes[p].mean).subspan(begin, count);
+    if (!config_.noise) continue;
+    const std::int16_t* noise = noise_.Stretch(number, line, p, stretch);
+    const std::int16_t* strength = planes[p].noise.data() + begin;
+    if (IsEightBit(image_.format())) return AddNoise8(samples[p], strength, noise, out);
+    AddNoise(samples[p], strength, noise, stretch_[p].data());
+    samples[p] = std::span(stretch_[p]).first(count);
+  }
+  if (planes.size() == 1) {
+    PackSamples(image_.format(), samples[0], out);
+  } else {
+    PackColours(image_.format(), samples[0], samples[1], samples[2], out);
+  }
+}
+
+}  // namespace vexa::simulator

@@ -1,0 +1,303 @@
+// Finding, opening, identifying and closing cameras.
+
+#include <array>
+#include <thread>
+
+#include "camera_fixture.hpp"
+#include "device/discovery.hpp"
+
+namespace vexa::test {
+namespace {
+
+using ::testing::ElementsAre;
+using platform::ControlCode;
+using simulator::CameraConfig;
+using simulator::ForProduct;
+using simulator::Wakes;
+
+class OpenTest : public CameraTest {};
+
+TEST_F(OpenTest, ReadsIdentityAndSettingsInOrder) {
+  const auto twin = Plug();
+  HANDLE camera = Open();
+  const auto log = twin->Log();
+  EXPECT_EQ(log.front().code, ControlCode::kOpenCount);
+  for (const auto& entry : log) {
+    if (entry.code == ControlCode::kControlRequest) {
+      EXPECT_EQ(entry.timeout_ms, 1000U);
+      EXPECT_EQ(entry.record_size, 12 + entry.data.size());
+      EXPECT_EQ(entry.output_size, 512U);
+    }
+  }
+  EXPECT_THAT(Wire(*twin), ElementsAre("C0 11 0000 0000 +64", "C0 80 0068 0000 +8",
+                                       "C0 80 00BF 0000 +2",  // mirror register 63
+                                       "C0 12 0000 0000 +64", "C0 13 0000 0000 +6"));
+  constexpr std::array<DWORD, 4> kDefaults = {INFINITE, INFINITE, 5000, 5000};
+  for (DWORD index = 0; index < 4; ++index) {
+    DWORD milliseconds = 0;
+    EXPECT_TRUE(Vexa_GetTimeOut(camera, index, &milliseconds));
+    EXPECT_EQ(milliseconds, kDefaults[index]);
+  }
+  EXPECT_EQ(GetLastError(), 0U) << "success leaves the last error alone";
+}
+
+TEST_F(OpenTest, FindsFreeCamerasOnly) {
+  EXPECT_EQ(Vexa_Open(), INVALID_HANDLE_VALUE);
+  EXPECT_EQ(GetLastError(), 259U);
+  const auto first = Plug();
+  const auto second = Plug(0x0710);
+  first->SetBusyElsewhere(true);
+  WORD product = 0;
+  HANDLE camera = Open();
+  EXPECT_TRUE(Vexa_GetCameraVersion(camera, nullptr, &product, nullptr, nullptr));
+  EXPECT_EQ(product, 0x0710);
+  EXPECT_EQ(Vexa_Open(), INVALID_HANDLE_VALUE);
+  first->SetBusyElsewhere(false);
+  EXPECT_NE(Open(), camera);
+  EXPECT_EQ(first->OpenHandles(), 1U);
+  EXPECT_EQ(Vexa_Open(), INVALID_HANDLE_VALUE) << "both are in use in this process";
+}
+
+TEST_F(OpenTest, RecoversACameraThatDoesNotAnswerTwice) {
+  struct Case {
+    Wakes wakes;
+    std::array<std::uint32_t, 4> driver;
+    std::vector<ControlCode> recoveries;
+    bool opened;
+  };
+  constexpr std::array<std::uint32_t, 4> kRecovering = {0x00030000, 5, 0, 0};
+  const auto kFirst = ControlCode::kRecoverFirstStage;
+  const auto kSecond = ControlCode::kRecoverSecondStage;
+  const Case cases[] = {
+      {Wakes::kFirstStage, kRecovering, {kFirst}, true},
+      {Wakes::kSecondStage, kRecovering, {kFirst, kSecond}, true},
+      {Wakes::kNever, kRecovering, {kFirst, kSecond}, false},
+      {Wakes::kFirstStage, {0x00030000, 4, 0, 0}, {}, false},
+      {Wakes::kFirstStage, {0x00030001, 0, 0, 0}, {kFirst}, true},
+  };
+  for (const Case& test : cases) {
+    const auto silent = Plug();
+    const auto next = Plug(0x0710);
+    silent->SetDriverVersion(test.driver);
+    silent->SetUnanswering(test.wakes);
+    HANDLE camera = Open();
+    std::vector<ControlCode> recoveries;
+    for (const auto& entry : silent->Log()) {
+      if (entry.code == kFirst || entry.code == kSecond) {
+        recoveries.push_back(entry.code);
+      }
+    }
+    EXPECT_EQ(recoveries, test.recoveries);
+    EXPECT_EQ(silent->OpenHandles(), test.opened ? 1U : 0U);
+    EXPECT_EQ(next->OpenHandles(), test.opened ? 0U : 1U);
+    Close(camera);
+    bus_.Remove(silent);
+    bus_.Remove(next);
+  }
+}
+
+TEST_F(OpenTest, FailureInTheSettingsClosesTheDeviceAgain) {
+  const auto twin = Plug();
+  for (const std::uint8_t request : {0x12, 0x13}) {
+    twin->FailControl({.request = request}, 121, 1);
+    EXPECT_EQ(Vexa_Open(), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), 121U);
+    EXPECT_EQ(twin->OpenHandles(), 0U);
+  }
+}
+
+TEST_F(OpenTest, CapabilitiesFollowMaskAndModel) {
+  struct Case {
+    std::uint16_t product, variant, colour;
+    std::uint64_t mask;
+    DWORD function;
+    BOOL present;
+  };
+  const Case cases[] = {
+      {0x0705, 0, 2, ~0ULL, 7, 1},      {0x0705, 0, 2, ~0ULL, 22, 0},  // no register access
+      {0x0705, 0, 1, ~0ULL, 256, 0},    {0x0110, 0, 2, 1, 0, 1},
+      {0x0110, 0, 2, 0, 0, 0},          {0x0111, 0, 2, 1, 0, 0},
+      {0x0906, 0x000F, 2, 0, 1, 1},     {0x0906, 0x0010, 2, 0, 1, 0},
+      {0x0510, 0x000F, 2, 0, 1, 0},     {0x0510, 0, 2, 2, 1, 1},
+      {0x0906, 0x0010, 2, 0, 2, 1},     {0x0906, 0x0010, 2, 0, 6, 1},
+      {0x0906, 0x000F, 2, 0, 6, 0},     {0x0510, 0, 2, 1ULL << 63, 63, 1},
+      {0x0510, 0, 2, ~0ULL, 64, 0},     {0x0510, 0, 2, ~0ULL, 1000, 0},
+      {0x0510, 0, 2, 0, 256, 1},        {0x0510, 0, 2, 0, 261, 1},
+      {0x0510, 0, 1, 0, 259, 1},        {0x0510, 0, 2, ~0ULL, 259, 0},
+      {0x0510, 0, 2, 0x10000, 16, 1},   {0x0510, 0, 2, 0x10000, 17, 0},
+  };
+  for (const Case& test : cases) {
+    CameraConfig config = ForProduct(test.product);
+    config.variant = test.variant;
+    config.colour_array = test.colour;
+    config.capabilities = test.mask;
+    const auto twin = Plug(config);
+    HANDLE camera = Open();
+    BOOL present = -1;
+    EXPECT_TRUE(Vexa_HasFunction(camera, test.function, &present));
+    EXPECT_EQ(present, test.present)
+        << std::hex << test.product << " variant " << test.variant << " function " << std::dec
+        << test.function;
+    Close(camera);
+    bus_.Remove(twin);
+  }
+}
+
+TEST_F(OpenTest, IdentityOfEveryModel) {
+  std::vector<std::u16string> names;
+  std::vector<std::uint16_t> products = simulator::KnownProducts();
+  products.push_back(0x1234);
+  for (const std::uint16_t id : products) {
+    CameraConfig config = ForProduct(id);
+    const simulator::SensorSize size = simulator::ProductSensorSize(id);
+    config.max_width = 0;  // either one left open replaces both
+    config.max_height = 1024;
+    const auto twin = Plug(config);
+    HANDLE camera = Open();
+    DWORD width = 0, height = 0;
+    EXPECT_TRUE(Vexa_GetMaximumImageSize(camera, &width, &height));
+    EXPECT_EQ(width, size.width);
+    EXPECT_EQ(height, size.height);
+    WCHAR name[32];
+    EXPECT_TRUE(Vexa_GetProductNameW(camera, name, sizeof name));
+    names.emplace_back(name, std::find(name, name + 32, 0));
+    CHAR narrow[32];
+    EXPECT_EQ(Vexa_GetProductNameA(camera, narrow, sizeof narrow),
+              static_cast<int>(names.back().size()) + 1);
+    EXPECT_EQ(std::u16string(narrow, narrow + names.back().size()), names.back());
+    // A buffer without room for the terminator holds an empty string.
+    narrow[0] = 'x';
+    EXPECT_EQ(Vexa_GetProductNameA(camera, narrow, static_cast<DWORD>(names.back().size())), 0);
+    EXPECT_EQ(narrow[0], '\0');
+    EXPECT_FALSE(Vexa_GetProductNameW(camera, name, static_cast<DWORD>(2 * names.back().size())));
+    EXPECT_EQ(GetLastError(), 122U);
+    Close(camera);
+    bus_.Remove(twin);
+  }
+  EXPECT_EQ(names.back(), u"UNKNOWN");
+  std::sort(names.begin(), names.end());
+  const auto distinct = std::unique(names.begin(), names.end()) - names.begin();
+  EXPECT_EQ(distinct, 28) << "27 names for 28 known products, and UNKNOWN";
+}
+
+TEST_F(OpenTest, UsbSpeedFollowsTheFirstBulkInEndpoint) {
+  struct Case {
+    std::vector<std::uint8_t> descriptor;
+    BYTE speed;
+  };
+  const auto descriptor = [](std::vector<std::vector<std::uint8_t>> endpoints) {
+    std::vector<std::uint8_t> bytes(18);
+    bytes[13] = static_cast<std::uint8_t>(endpoints.size());
+    for (const auto& endpoint : endpoints) {  // address, attributes, packet size low, high
+      bytes.insert(bytes.end(), {7, 5, endpoint[0], endpoint[1], endpoint[2], endpoint[3], 0});
+    }
+    return bytes;
+  };
+  const Case cases[] = {
+      {descriptor({{0x81, 2, 0x40, 0}}), 0},
+      {descriptor({{0x81, 2, 0x41, 0}}), 1},
+      {descriptor({{0x81, 2, 0x00, 2}}), 1},
+      {descriptor({{0x81, 2, 0x00, 4}}), 2},
+      {descriptor({{0x02, 2, 0, 4}, {0x81, 3, 0, 4}, {0x83, 2, 0, 2}}), 1},  // bulk out, interrupt in
+      {descriptor({{0x02, 2, 0, 4}}), 0},
+      {std::vector<std::uint8_t>(9), 1},
+      {std::vector<std::uint8_t>(10), 0},
+  };
+  for (const Case& test : cases) {
+    CameraConfig config = ForProduct(0x0510);
+    config.descriptor_override = test.descriptor;
+    const auto twin = Plug(config);
+    HANDLE camera = Open();
+    BYTE speed = 9;
+    EXPECT_TRUE(Vexa_GetUSBSpeed(camera, &speed));
+    EXPECT_EQ(speed, test.speed);
+    twin->FailControl({.code = ControlCode::kConfigurationDescriptor}, 31, 1);
+    speed = 9;
+    EXPECT_FALSE(Vexa_GetUSBSpeed(camera, &speed));
+    EXPECT_EQ(speed, 0);
+    EXPECT_EQ(GetLastError(), 31U);
+    Close(camera);
+    bus_.Remove(twin);
+  }
+}
+
+TEST_F(OpenTest, TransferSizeLimit) {
+  struct Case {
+    std::uint32_t configured, os_major, limit;
+  };
+  constexpr Case kCases[] = {
+      {0, 5, 0x300000},          {0, 6, 0x80000},           {511, 6, 0x80000},
+      {1000, 6, 4096},           {0x7FFFFFFF, 5, 0x300000}, {0x7FFFFFFF, 10, 0x80000},
+      {0x80000 + 100, 6, 0x80000}, {0x12345, 6, 0x12200},   {0x200000, 5, 0x200000},
+  };
+  for (const Case& test : kCases) {
+    EXPECT_EQ(device::LimitTransferSize(test.configured, test.os_major), test.limit)
+        << test.configured << " on " << test.os_major;
+  }
+}
+
+TEST_F(OpenTest, CloseReleasesAndInvalidHandlesAreRefused) {
+  SetLastError(7);
+  Vexa_Close(INVALID_HANDLE_VALUE);
+  EXPECT_EQ(GetLastError(), 7U);
+  const auto twin = Plug();
+  HANDLE camera = Open();
+  ASSERT_TRUE(Vexa_StartTransfer(camera));
+  Close(camera);
+  EXPECT_EQ(twin->OpenHandles(), 0U);
+  EXPECT_EQ(twin->PendingReads(), 0U);
+
+  BOOL present = 1;
+  BYTE speed = 1;
+  DWORD size = 1;
+  std::array<BYTE, 64> header;
+  header.fill(1);
+  const std::vector<std::pair<const char*, BOOL>> results = {
+      {"HasFunction", Vexa_HasFunction(INVALID_HANDLE_VALUE, 5, &present)},
+      {"GetUSBSpeed", Vexa_GetUSBSpeed(INVALID_HANDLE_VALUE, &speed)},
+      {"LostSize", Vexa_GetLastLostFrameDataSize(INVALID_HANDLE_VALUE, &size)},
+      {"LostHeader", Vexa_GetLastLostFrameHeader(INVALID_HANDLE_VALUE, header.data())},
+      {"StartTransfer", Vexa_StartTransfer(INVALID_HANDLE_VALUE)},
+      {"StopTransfer", Vexa_StopTransfer(INVALID_HANDLE_VALUE)},
+      {"SetGain", Vexa_SetExposureClock(INVALID_HANDLE_VALUE, 1)},
+      {"null", Vexa_ClearBuffer(nullptr)},
+  };
+  for (const auto& [name, result] : results) {
+    EXPECT_FALSE(result) << name;
+  }
+  EXPECT_EQ(GetLastError(), 87U);
+  EXPECT_EQ(present, 0);
+  EXPECT_EQ(speed, 0);
+  EXPECT_EQ(size, 0U);
+  EXPECT_THAT(header, ::testing::Each(0));
+}
+
+TEST_F(OpenTest, CameraSettingNeedsFirmwareAndReloads) {
+  CameraConfig config = ForProduct(0x0510);
+  config.firmware = 0x00FF;
+  const auto old = Plug(config);
+  HANDLE camera = Open();
+  old->ClearLog();
+  EXPECT_FALSE(Vexa_CameraSetting(camera, 1));
+  EXPECT_EQ(GetLastError(), 87U);
+  EXPECT_TRUE(Wire(*old).empty());
+  const auto recent = Plug();
+  HANDLE second = Open();
+  recent->ClearLog();
+  EXPECT_TRUE(Vexa_CameraSetting(second, 0x0201));
+  EXPECT_THAT(Wire(*recent),
+              ElementsAre("40 81 0000 0000 [01 02]", "C0 80 00BF 0000 +2", "C0 12 0000 0000 +64",
+                          "C0 13 0000 0000 +6"));
+}
+
+TEST_F(OpenTest, VersionNeedsNoCamera) {
+  DWORD high = 0, low = 1, product_high = 0, product_low = 1;
+  EXPECT_TRUE(Vexa_GetDllVersion(&high, &low, &product_high, &product_low));
+#if !defined(_WIN32)  // a test program has no version resource of the library
+  EXPECT_NE(high | low, 0U);
+  EXPECT_EQ(high, product_high);
+#endif
+}
+
+}  // namespace
+}  // namespace vexa::test
