@@ -46,6 +46,8 @@ void FrameStream::Start() {
   started_ = true;
   camera_.Call("Vexa_SetTransferEndCallback", Vexa_SetTransferEndCallback, &OnFrame, this);
   camera_.Call("Vexa_SetRcvErrorCallback", Vexa_SetRcvErrorCallback, &OnError, this);
+  // Frames that wait in the camera were taken with earlier settings.
+  camera_.Call("Vexa_ClearBuffer", Vexa_ClearBuffer);
   start_time_ = Clock::now();
   camera_.Call("Vexa_StartTransfer", Vexa_StartTransfer);
 }

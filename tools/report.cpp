@@ -41,6 +41,9 @@ std::string ToText(const std::vector<Section>& sections) {
   for (const Section& section : sections) {
     text += (text.empty() ? "" : "\n") + section.title + "\n";
     for (const Fact& fact : section.facts) {
+      if (fact.text.empty()) {
+        continue;
+      }
       text += "  " + Padded(fact.label, width) + "  " + fact.text + "\n";
     }
   }

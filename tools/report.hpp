@@ -13,8 +13,8 @@ using Json = nlohmann::ordered_json;
 struct Fact {
   std::string key;   /**< Name in JSON; a unit is part of it. */
   std::string label; /**< Name for people. */
-  Json value;        /**< null when the camera does not have it. */
-  std::string text;  /**< The value for people, with its unit. */
+  Json value;        /**< null when the camera does not have it, or has no limit. */
+  std::string text;  /**< The value for people, with its unit; empty shows the fact in JSON only. */
 };
 
 /** Facts under one heading. */

@@ -19,9 +19,10 @@ TEST(Arguments, RefusesWhatIsWrongAndSaysWhat) {
     std::vector<std::string> arguments;
     const char* says;
   } kCases[] = {
-      {{}, "subcommand is required"},
-      {{"snap"}, "subcommand is required"},
-      {{"info", "--frames", "3"}, "--frames"},
+      {{}, "a command is required"},
+      {{"snap"}, "\"snap\" is not understood"},
+      {{"info", "--frames", "3"}, "vexa info --help"},
+      {{"--json", "list"}, "--json"},
       {{"info", "--camera", "-1"}, "-1"},
       {{"info", "--camera", "256"}, "256"},
       {{"capture", "--frames", "0"}, "0"},

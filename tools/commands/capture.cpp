@@ -63,9 +63,13 @@ std::string Summary(const CaptureOptions& options, const OutputPattern& pattern,
     text += ": " + Utf8FromPath(pattern.PathOf(1));
     text += saved > 1 ? " to " + Utf8FromPath(pattern.PathOf(saved)) : "";
   }
-  return text + Format("\n%.2f frames/s, %.2f MB/s, %ju lost, %ju receive error(s)\n",
-                       counts.FramesPerSecond(), counts.MegabytesPerSecond(),
-                       std::uintmax_t{counts.lost}, std::uintmax_t{counts.ErrorTotal()});
+  text += "\n";
+  if (counts.frames > 1) {
+    text +=
+        Format("%.2f frames/s, %.2f MB/s, ", counts.FramesPerSecond(), counts.MegabytesPerSecond());
+  }
+  return text + Format("%ju lost, %ju receive error(s)\n", std::uintmax_t{counts.lost},
+                       std::uintmax_t{counts.ErrorTotal()});
 }
 
 std::size_t BufferCount(std::uint64_t frame_bytes, std::uint32_t frames) {

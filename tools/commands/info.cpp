@@ -127,19 +127,20 @@ Section TransferSection(const FrameSettings& settings) {
   return {"transfer",
           "Transfer",
           {{"format", "Format", name, Format("%s (0x%04X)", name.c_str(), settings.format)},
-           {"format_code", "Format code", settings.format, Format("0x%04X", settings.format)},
+           {"format_code", "", settings.format, ""},
            {"image_bytes", "Image size", bytes, Format("%ju bytes", std::uintmax_t{bytes})}}};
 }
 
-/** A time in clocks as two facts: clocks and milliseconds. */
+/** An exposure in clocks and in milliseconds. */
 void AddExposure(const Camera& camera, std::vector<Fact>& facts, const std::string& key,
                  const std::string& label, std::uint32_t clocks) {
   float seconds = 0;
   camera.Call("Vexa_GetExposureTimeFromClock", Vexa_GetExposureTimeFromClock,
               static_cast<DWORD>(clocks), &seconds);
   const double milliseconds = static_cast<double>(seconds) * 1e3;
-  facts.push_back({key + "_clocks", label, clocks, Format("%u clocks", clocks)});
-  facts.push_back({key + "_ms", label + " time", milliseconds, Format("%.6g ms", milliseconds)});
+  facts.push_back(
+      {key + "_ms", label, milliseconds, Format("%.6g ms (%u clocks)", milliseconds, clocks)});
+  facts.push_back({key + "_clocks", "", clocks, ""});
 }
 
 Section TimingSection(const Camera& camera, const FrameSettings& settings) {
@@ -188,7 +189,7 @@ Section TriggerSection(const Camera& camera, const FrameSettings& settings) {
   const std::string mode = DescribeTriggerMode(settings.trigger_mode);
   std::vector<Fact> facts = {
       {"mode", "Mode", mode, Format("%s (0x%04X)", mode.c_str(), settings.trigger_mode)},
-      HexFact("mode_code", "Mode code", settings.trigger_mode)};
+      {"mode_code", "", settings.trigger_mode, ""}};
   for (const auto& timing : kTimings) {
     DWORD value = 0;
     const bool present =
