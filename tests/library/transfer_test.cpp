@@ -131,8 +131,8 @@ TEST_F(TransferTest, FramesAreWholeForEveryReadSize) {
   // Header and image of the second and the fourth are whole multiples of the link's packets, the
   // fourth's also of the reads.
   for (const Case& test :
-       {Case{64, 48, 64, 0}, Case{64, 8, 512, 0}, Case{640, 480, 64, 4096},
-        Case{64, 56, 512, 4096}, Case{1280, 964, 64, 0x10000}, Case{1280, 964, 16, 0}}) {
+       {Case{64, 48, 64, 0}, Case{64, 8, 512, 0}, Case{640, 480, 64, 4096}, Case{64, 56, 512, 4096},
+        Case{1280, 964, 64, 0x10000}, Case{1280, 964, 16, 0}}) {
 #if defined(_WIN32)
     if (test.max_transfer != 0) {
       continue;  // the registry of the machine is not the test's to write
