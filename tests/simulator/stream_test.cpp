@@ -55,6 +55,9 @@ TEST(TwinStream, FramesComeInOrderAndNoneIsLostAtTheHostsPace) {
   EXPECT_EQ(rig.camera->frames_dropped(), 0u);
   rig.Stop();
   EXPECT_EQ(rig.camera->PendingReads(), 0u);
+  EXPECT_TRUE(rig.Out(0x80, 0x50, 0, TwinRig::Word(3)).ok());  // counter reset
+  rig.Start();
+  EXPECT_EQ(TwinRig::Number(rig.Frame()), 0u);
 }
 
 TEST(TwinStream, WhatFindsNoRoomInRealTimeIsDroppedAndItsNumberUsedUp) {
@@ -69,8 +72,6 @@ TEST(TwinStream, WhatFindsNoRoomInRealTimeIsDroppedAndItsNumberUsedUp) {
   EXPECT_EQ(TwinRig::Number(rig.Frame()), 0u);
   EXPECT_EQ(TwinRig::Number(rig.Frame()), 1u);
   EXPECT_GE(TwinRig::Number(rig.Frame()), 5u);
-  EXPECT_TRUE(rig.Out(0x80, 0x50, 0, TwinRig::Word(3)).ok());  // counter reset
-  while (TwinRig::Number(rig.Frame()) > 2) continue;
 }
 
 TEST(TwinStream, RealTimePaceFollowsTheClock) {

@@ -158,7 +158,13 @@ class TwinRig {
     return read.buffer;
   }
   /// The next frame by one read that is larger than any here.
-  Bytes Frame() { return Read(std::size_t{1} << 23); }
+  Bytes Frame() {
+    if (large_ == nullptr) large_ = std::make_unique<HostRead>(std::size_t{1} << 22);
+    Queue(large_.get());
+    std::uint32_t bytes = 0;
+    EXPECT_TRUE(Finish(large_.get(), &bytes).ok());
+    return {large_->buffer.begin(), large_->buffer.begin() + bytes};
+  }
   /// Starts, takes one frame without its header, stops.
   Bytes Picture() {
     Start();
@@ -187,6 +193,10 @@ class TwinRig {
     return frame.size() < 16 ? 0xFFFFFFFF : LoadLe32(frame, 12);
   }
 
+ private:
+  std::unique_ptr<HostRead> large_;  // outlives the device, which may fill it
+
+ public:
   CameraBus bus;
   std::shared_ptr<TwinCamera> camera;
   std::unique_ptr<Device> device;
