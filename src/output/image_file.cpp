@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "output/bmp_file.hpp"
+#include "output/jpeg_file.hpp"
 #include "output/raw_file.hpp"
 #include "platform/output_file.hpp"
 
@@ -28,8 +29,9 @@ Status CheckImage(FileType type, const Image& image) {
       return CheckRaw(image);
     case FileType::kBmp:
       return CheckBmp(image);
-    case FileType::kTiff:
     case FileType::kJpeg:
+      return CheckJpeg(image);
+    case FileType::kTiff:
       break;
   }
   return error::kNotSupported;
@@ -53,7 +55,8 @@ FileType FileTypeOfExtension(std::u16string_view extension) {
   return FileType::kBmp;
 }
 
-Status SaveImage(const Image& image, const std::u16string& file_name) {
+Status SaveImage(const Image& image, const std::u16string& file_name,
+                 std::uint32_t jpeg_compression) {
   const std::size_t dot = file_name.rfind(u'.');
   if (dot == std::u16string::npos) {
     return error::kInvalidParameter;
@@ -67,7 +70,17 @@ Status SaveImage(const Image& image, const std::u16string& file_name) {
   if (file == nullptr) {
     return error::kOpenFailed;
   }
-  return type == FileType::kRaw ? WriteRaw(image, file.get()) : WriteBmp(image, file.get());
+  switch (type) {
+    case FileType::kRaw:
+      return WriteRaw(image, file.get());
+    case FileType::kJpeg:
+      return WriteJpeg(image, jpeg_compression, file.get());
+    case FileType::kTiff:
+      break;
+    case FileType::kBmp:
+      return WriteBmp(image, file.get());
+  }
+  return error::kNotSupported;
 }
 
 }  // namespace vexa::output
