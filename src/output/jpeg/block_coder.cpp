@@ -4,7 +4,7 @@ namespace vexa::output {
 
 CodingStatus CodeTable::Build(std::span<const std::uint8_t, 16> counts,
                               std::span<const std::uint8_t> values) {
-  entries_.fill({.bits = kNoCode, .length = 0});
+  entries_.fill({.bits = kNoCode, .length = 1});
   std::uint32_t code = 0;
   std::size_t next = 0;
   for (std::uint32_t length = 1; length <= counts.size(); ++length, code <<= 1) {
@@ -14,8 +14,8 @@ CodingStatus CodeTable::Build(std::span<const std::uint8_t, 16> counts,
         return CodingStatus::kCodingFailed;
       }
       const std::uint32_t size = values[next] & 15U;
-      CodeEntry& entry = entries_[32U * (values[next] >> 4U) + size];
-      if (entry.length != 0) {
+      CodeEntry& entry = entries_[values[next]];
+      if (entry.bits != kNoCode) {
         return CodingStatus::kCodingFailed;
       }
       entry = {.bits = code << size, .length = length + size};

@@ -53,8 +53,8 @@ class CJPEGColorComponent {
   const std::uint8_t* SubSampledRow(std::int32_t row) const;
   std::int32_t sub_sampled_step() const { return sub_sampled_step_; }
 
-  /// The DC predictor.
-  std::int16_t& last_dc() { return last_dc_; }
+  /// The DC predictor and the tables in use.
+  ComponentCoder& coder() { return coder_; }
 
  private:
   bool IsDownSampled() const { return settings_.horizontal_factor != 1; }
@@ -64,7 +64,7 @@ class CJPEGColorComponent {
   std::int32_t converted_step_ = 0;
   std::int32_t sub_sampled_rows_ = 0;
   std::int32_t sub_sampled_step_ = 0;
-  std::int16_t last_dc_ = 0;
+  ComponentCoder coder_;
   CMemoryBuffer converted_;
   CMemoryBuffer sub_sampled_;
 };

@@ -155,10 +155,7 @@ CodingStatus CJPEGEncoder::WriteData() {
   if (stage_ != Stage::kHeaderWritten) {
     return CodingStatus::kOutOfRange;
   }
-  for (CJPEGColorComponent& component : components()) {
-    component.last_dc() = 0;
-  }
-  huffman_state_.Reset();
+  StartScan();
   CodingStatus status = WriteScanHeader(out_, scan_, components());
   for (std::int32_t row = 0; row < mcu_rows_ && !Failed(status); ++row) {
     status = CodeMcuRow(row);
@@ -170,6 +167,19 @@ CodingStatus CJPEGEncoder::WriteData() {
     status = WriteEndOfImage(out_);
   }
   return Failed(status) ? status : out_.FlushBuffer(0);
+}
+
+void CJPEGEncoder::StartScan() {
+  std::size_t block = 0;
+  for (CJPEGColorComponent& component : components()) {
+    const ComponentSettings& settings = component.settings();
+    component.coder() = {.dc = &dc_tables_[settings.dc_table].codes(),
+                         .ac = &ac_tables_[settings.ac_table].codes()};
+    for (std::int32_t i = 0; i < component.blocks_per_mcu(); ++i) {
+      mcu_coders_[block++] = &component.coder();
+    }
+  }
+  huffman_state_.Reset();
 }
 
 CodingStatus CJPEGEncoder::CodeMcuRow(std::int32_t mcu_row) {
@@ -219,46 +229,27 @@ void CJPEGEncoder::Transform() {
 }
 
 CodingStatus CJPEGEncoder::CodeCoefficients() {
-  const auto* coefficients = reinterpret_cast<const std::int16_t*>(coefficients_.data());
-  if (component_count_ == 1) {
-    // A scan of one component has its blocks in plain order, without those that only fill an MCU
-    // (T.81, A.2.2).
-    const std::int32_t blocks = (source_.width + 7) / 8;
-    CodingStatus status = CodingStatus::kOk;
-    for (std::int32_t i = 0; i < blocks && !Failed(status); ++i, coefficients += kBlockSize) {
-      status = CodeBlock(coefficients, components_[0]);
+  // A scan of one component has its blocks in plain order, without those that only fill an MCU
+  // (T.81, A.2.2).
+  const std::int32_t blocks =
+      component_count_ == 1 ? (source_.width + 7) / 8 : mcus_per_row_ * blocks_per_mcu_;
+  BlockRun run{.coefficients = reinterpret_cast<const std::int16_t*>(coefficients_.data()),
+               .count = static_cast<std::size_t>(blocks),
+               .pattern = std::span(mcu_coders_).first(static_cast<std::size_t>(blocks_per_mcu_)),
+               .place = 0};
+  CodingStatus status = CodingStatus::kOk;
+  while (run.count > 0 && !Failed(status)) {
+    // 128 free bytes, which are asked for at the end of the scan, are enough for most blocks but
+    // not for all.
+    status = out_.FlushBuffer(kRoomForBlock);
+    if (!Failed(status)) {
+      status = kernels_.code_blocks(&run, {.bytes = out_.buffer(),
+                                           .size = out_.buffer_size(),
+                                           .position = &out_.position(),
+                                           .pending = &huffman_state_.pending()});
     }
-    return status;
   }
-  for (std::int32_t mcu = 0; mcu < mcus_per_row_; ++mcu) {
-    for (CJPEGColorComponent& component : components()) {
-      for (std::int32_t i = 0; i < component.blocks_per_mcu(); ++i, coefficients += kBlockSize) {
-        const CodingStatus status = CodeBlock(coefficients, component);
-        if (Failed(status)) {
-          return status;
-        }
-      }
-    }
-  }
-  return CodingStatus::kOk;
-}
-
-CodingStatus CJPEGEncoder::CodeBlock(const std::int16_t* coefficients,
-                                     CJPEGColorComponent& component) {
-  // The threshold of 128 bytes is enough for most blocks but not for all.
-  const CodingStatus status = out_.FlushBuffer(kRoomForBlock);
-  if (Failed(status)) {
-    return status;
-  }
-  const ComponentSettings& settings = component.settings();
-  return kernels_.code_block({.coefficients = coefficients,
-                              .buffer = out_.buffer(),
-                              .buffer_size = out_.buffer_size(),
-                              .position = &out_.position(),
-                              .predictor = &component.last_dc(),
-                              .dc = &dc_tables_[settings.dc_table].codes(),
-                              .ac = &ac_tables_[settings.ac_table].codes(),
-                              .pending = &huffman_state_.pending()});
+  return status;
 }
 
 CodingStatus CJPEGEncoder::FlushEntropyCoder() {

@@ -82,10 +82,12 @@ class CJPEGEncoder {
   };
   enum class Stage { kEmpty, kParametersSet, kHeaderWritten };
   static constexpr std::size_t kMostComponents = 4;
+  static constexpr std::size_t kMostBlocksPerMcu = 4;
 
   bool IsSourceValid(JpegColor color) const;
   void SetGeometry();
   void ConfigureComponents();
+  void StartScan();
   CodingStatus PrepareTables(std::int32_t quality);
   CodingStatus AllocateMemory();
 
@@ -93,7 +95,6 @@ class CJPEGEncoder {
   void ConvertColours(std::int32_t mcu_row);
   void Transform();
   CodingStatus CodeCoefficients();
-  CodingStatus CodeBlock(const std::int16_t* coefficients, CJPEGColorComponent& component);
   CodingStatus FlushEntropyCoder();
 
   std::span<CJPEGColorComponent> components() {
@@ -115,6 +116,7 @@ class CJPEGEncoder {
   ScanParameters scan_;
   CMemoryBuffer coefficients_;  // of one MCU row, in MCU order
   std::int32_t blocks_per_mcu_ = 0;
+  std::array<ComponentCoder*, kMostBlocksPerMcu> mcu_coders_{};  // of each block
   std::array<CJPEGColorComponent, kMostComponents> components_;
   std::array<CJPEGEncoderQuantTable, kMostComponents> quant_tables_;
   std::array<CJPEGEncoderHuffmanTable, kMostComponents> dc_tables_;

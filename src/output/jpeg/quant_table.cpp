@@ -42,7 +42,7 @@ void CJPEGEncoderQuantTable::BuildForwardTable() {
     forward_.factor[8 * column + row] =
         static_cast<float>(exact ? quotient * kUpwardsSingle : quotient);
     forward_.doubt[8 * column + row] =
-        exact ? 1.0F : static_cast<float>(0.5 - kAanSingleError / quant);
+        exact ? 1.0F : static_cast<float>(0.5 - AanSingleError(row, column) / quant);
   }
 }
 

@@ -4,6 +4,7 @@
 #if defined(VEXA_AVX2_JPEG_KERNELS)
 #include <immintrin.h>
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
@@ -84,7 +85,7 @@ struct Avx2 {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 32), _mm256_extracti128_si256(rows, 1));
   }
 
-  static bool Any(Ints mask) { return _mm256_movemask_epi8((__m256i)mask) != 0; }
+  static bool Any(Ints mask) { return _mm256_testz_si256((__m256i)mask, (__m256i)mask) == 0; }
 
   static std::uint64_t NonZero(const std::int16_t* coefficients) {
     return ~(ZerosOfHalf(coefficients) | ZerosOfHalf(coefficients + 32) << 32);
@@ -96,6 +97,24 @@ struct Avx2 {
     const __m256i bytes = _mm256_permute4x64_epi64(mixed, 0xD8);
     return static_cast<std::uint32_t>(
         _mm256_movemask_epi8(_mm256_cmpeq_epi8(bytes, _mm256_setzero_si256())));
+  }
+
+  static constexpr std::ptrdiff_t kCopied = 32;
+
+  static std::uint32_t CopyFindingFullBytes(const std::uint8_t* in, std::uint8_t* out) {
+    const __m256i bytes = Get(in);
+    Put(out, bytes);
+    return static_cast<std::uint32_t>(
+        _mm256_movemask_epi8(_mm256_cmpeq_epi8(bytes, _mm256_set1_epi8(-1))));
+  }
+
+  static bool AreSmall(const std::int16_t* coefficients) {
+    const __m256i range = _mm256_set1_epi16(kCoefficientLimit);
+    __m256i bits = _mm256_setzero_si256();
+    for (std::size_t part = 0; part < 4; ++part) {
+      bits = _mm256_or_si256(bits, _mm256_add_epi16(Get(coefficients + 16 * part), range));
+    }
+    return !Any((Ints)_mm256_srli_epi16(bits, 11));
   }
 
   struct Pixels {
@@ -155,7 +174,7 @@ constinit const JpegKernels kAvx2JpegKernels = {
     .convert_bgr32 = VectorColours<Avx2>::Convert<4>,
     .halve = Halve,
     .transform = VectorTransform<Avx2>::Transform,
-    .code_block = CodeBlockInWords<Avx2>,
+    .code_blocks = VectorBlockCoder<Avx2>::CodeBlocks,
 };
 
 }  // namespace vexa::output

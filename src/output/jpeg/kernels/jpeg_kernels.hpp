@@ -22,15 +22,11 @@ struct BlockRow {
   const ForwardTable* table;
 };
 
-/// A block to code, and what is carried from one to the next.
-struct CodedBlock {
-  const std::int16_t* coefficients;  // 64 in natural order, aligned to 16 bytes
-  std::uint8_t* buffer;
-  std::int32_t buffer_size;
-  std::int32_t* position;   // in the buffer, advanced by the bytes written
-  std::int16_t* predictor;  // the last block's DC value, replaced by this one's
-  const CodeTable* dc;
-  const CodeTable* ac;
+/// Where coded bits go.
+struct CodeBuffer {
+  std::uint8_t* bytes;
+  std::int32_t size;
+  std::int32_t* position;  // advanced by the bytes written
   PendingBits* pending;
 };
 
@@ -53,10 +49,10 @@ struct JpegKernels {
   /// zero.
   void (*transform)(const BlockRow& row);
 
-  /// Codes one block (T.81, F.1.2.1 and F.1.2.2). kCodingFailed, with nothing carried over and the
-  /// position as before, when fewer than kRoomForBlock bytes are free or a table has no code for
-  /// what the block holds.
-  CodingStatus (*code_block)(const CodedBlock& block);
+  /// Codes blocks (T.81, F.1.2.1 and F.1.2.2) as long as the buffer has room for any block
+  /// (kRoomForBlock); takes them from the run. kCodingFailed when a coefficient is out of range or
+  /// has no code in its table; what was coded by that call is lost.
+  CodingStatus (*code_blocks)(BlockRun* run, const CodeBuffer& buffer);
 };
 
 }  // namespace vexa::output

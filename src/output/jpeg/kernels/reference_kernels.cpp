@@ -1,5 +1,6 @@
 #include "output/jpeg/kernels/reference_kernels.hpp"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 
@@ -100,19 +101,32 @@ bool PutAcCoefficients(const std::int16_t* coefficients, const CodeTable& table,
   return (zeros == 0 || PutValue(table, 0, 0, writer)) && complete;  // EOB
 }
 
-CodingStatus CodeBlock(const CodedBlock& block) {
-  if (*block.position > block.buffer_size - kRoomForBlock) {
-    return CodingStatus::kCodingFailed;
+bool PutBlock(const std::int16_t* coefficients, ComponentCoder* coder, BitWriter* writer) {
+  const bool in_range =
+      std::all_of(coefficients, coefficients + kBlockSize, [](std::int16_t coefficient) {
+        return coefficient >= -kCoefficientLimit && coefficient < kCoefficientLimit;
+      });
+  if (!in_range) {
+    return false;
   }
-  BitWriter writer(block.buffer + *block.position, *block.pending);
-  const std::int16_t dc = block.coefficients[0];
-  if (!PutValue(*block.dc, 0, dc - *block.predictor, &writer) ||
-      !PutAcCoefficients(block.coefficients, *block.ac, &writer)) {
-    return CodingStatus::kCodingFailed;
+  const std::int32_t difference = coefficients[0] - coder->predictor;
+  coder->predictor = coefficients[0];
+  return PutValue(*coder->dc, 0, difference, writer) &&
+         PutAcCoefficients(coefficients, *coder->ac, writer);
+}
+
+CodingStatus CodeBlocks(BlockRun* run, const CodeBuffer& buffer) {
+  BitWriter writer(buffer.bytes + *buffer.position, *buffer.pending);
+  while (run->count > 0 && buffer.bytes + buffer.size - writer.out() >= kRoomForBlock) {
+    if (!PutBlock(run->coefficients, run->pattern[run->place], &writer)) {
+      return CodingStatus::kCodingFailed;
+    }
+    run->coefficients += kBlockSize;
+    run->place = (run->place + 1) % run->pattern.size();
+    --run->count;
   }
-  *block.predictor = dc;
-  *block.position = static_cast<std::int32_t>(writer.out() - block.buffer);
-  *block.pending = writer.pending();
+  *buffer.position = static_cast<std::int32_t>(writer.out() - buffer.bytes);
+  *buffer.pending = writer.pending();
   return CodingStatus::kOk;
 }
 
@@ -147,7 +161,7 @@ constinit const JpegKernels kReferenceJpegKernels = {
     .convert_bgr32 = ConvertBgr<4>,
     .halve = Halve,
     .transform = Transform,
-    .code_block = CodeBlock,
+    .code_blocks = CodeBlocks,
 };
 
 }  // namespace vexa::output

@@ -65,7 +65,26 @@ struct Sse2 {
     Put(out + 24, _mm_unpackhi_epi64(high_01, high_23));
   }
 
-  static bool Any(Ints mask) { return _mm_movemask_epi8((__m128i)mask) != 0; }
+  static bool Any(Ints mask) {
+    return _mm_movemask_epi8(_mm_cmpeq_epi32((__m128i)mask, _mm_setzero_si128())) != 0xFFFF;
+  }
+
+  static constexpr std::ptrdiff_t kCopied = 16;
+
+  static std::uint32_t CopyFindingFullBytes(const std::uint8_t* in, std::uint8_t* out) {
+    const __m128i bytes = Get(in);
+    Put(out, bytes);
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(-1))));
+  }
+
+  static bool AreSmall(const std::int16_t* coefficients) {
+    const __m128i range = _mm_set1_epi16(kCoefficientLimit);
+    __m128i bits = _mm_setzero_si128();
+    for (std::size_t row = 0; row < 8; ++row) {
+      bits = _mm_or_si128(bits, _mm_add_epi16(Get(coefficients + 8 * row), range));
+    }
+    return !Any((Ints)_mm_srli_epi16(bits, 11));
+  }
 
   struct Pixels {
     Ints blue_red;
@@ -128,7 +147,7 @@ constinit const JpegKernels kSse2JpegKernels = {
     .convert_bgr32 = VectorColours<Sse2>::Convert<4>,
     .halve = Halve,
     .transform = VectorTransform<Sse2>::Transform,
-    .code_block = CodeBlockInWords<Sse2>,
+    .code_blocks = VectorBlockCoder<Sse2>::CodeBlocks,
 };
 
 }  // namespace vexa::output

@@ -4,6 +4,7 @@
 /// for its processors.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
@@ -27,137 +28,195 @@ inline constexpr std::array<std::array<std::uint64_t, 256>, 8> kZigZagMasks = []
   return masks;
 }();
 
-/// Collects bits in a word and stores it when it is full. A template, so that each version has its
-/// own.
+/// Puts bits into memory as they come, with a store for each and without a branch: how many bits
+/// there are to store cannot be predicted. A template, so that each version has its own.
 template <typename Vector>
-class WordBitWriter {
+class RawBitWriter {
  public:
-  WordBitWriter(std::uint8_t* out, const PendingBits& pending)
-      : out_(out), word_(pending.bits), count_(pending.count) {}
+  RawBitWriter(std::uint8_t* out, const PendingBits& pending)
+      : out_(out),
+        word_(std::uint64_t{pending.bits} << 32 << (32 - pending.count)),
+        count_(pending.count) {}
 
-  /// @param length at most 31.
-  void Put(std::uint32_t bits, std::uint32_t length) {
+  /// @param length 1 to 57.
+  void Put(std::uint64_t bits, std::uint32_t length) {
     count_ += length;
-    if (count_ <= 64) {
-      word_ = word_ << length | bits;
-      return;
-    }
-    count_ -= 64;  // of the bits go into the next word
-    const std::uint64_t full = word_ << (length - count_) | bits >> count_;
-    if (HasFullByte(full)) {
-      StoreStuffed(full, 8);
-    } else {
-      Store(full);
-      out_ += 8;
-    }
-    word_ = bits;
-  }
-
-  /// Stores all whole bytes.
-  void Finish() {
-    if (count_ == 0) {
-      return;
-    }
-    const std::uint64_t upper = word_ << (64 - count_);
-    if (HasFullByte(upper)) {
-      StoreStuffed(upper, count_ / 8);
-    } else {
-      Store(upper);
-      out_ += count_ / 8;
-    }
+    word_ |= bits << (64 - count_);
+    StoreBigEndian(out_, word_);
+    out_ += count_ / 8;
+    word_ <<= count_ & 56U;
     count_ %= 8;
   }
 
   std::uint8_t* out() const { return out_; }
-  /// After Finish.
   PendingBits pending() const {
-    return {.bits = static_cast<std::uint32_t>(word_) & ((1U << count_) - 1), .count = count_};
+    return {.bits = static_cast<std::uint32_t>(word_ >> 32 >> (32 - count_)), .count = count_};
   }
 
  private:
-  /// True for every word with a byte of 0xFF, and for a few others.
-  static bool HasFullByte(std::uint64_t word) {
-    constexpr std::uint64_t kTopBits = 0x8080808080808080;
-    constexpr std::uint64_t kOnes = 0x0101010101010101;
-    return (word & ~(word + kOnes) & kTopBits) != 0;
-  }
-
-  void Store(std::uint64_t word) {
+  static void StoreBigEndian(std::uint8_t* out, std::uint64_t word) {
     if constexpr (std::endian::native == std::endian::little) {
       word = __builtin_bswap64(word);
     }
-    std::memcpy(out_, &word, sizeof word);
-  }
-
-  void StoreStuffed(std::uint64_t word, std::uint32_t bytes) {
-    for (; bytes > 0; --bytes, word <<= 8) {
-      const auto byte = static_cast<std::uint8_t>(word >> 56);
-      *out_++ = byte;
-      if (byte == 0xFF) {
-        *out_++ = 0;
-      }
-    }
+    std::memcpy(out, &word, sizeof word);
   }
 
   std::uint8_t* out_;
-  std::uint64_t word_;  // the low count_ bits; above them are bits that have been stored
-  std::uint32_t count_;
+  std::uint64_t word_;   // the upper count_ bits; zeros below
+  std::uint32_t count_;  // 0 to 7
 };
 
-/// JpegKernels::code_block. `Vector::NonZero` gives a byte per row with a bit per column of the
-/// coefficients that are not zero.
-template <typename Vector>
-inline CodingStatus CodeBlockInWords(const CodedBlock& block) {
-  if (*block.position > block.buffer_size - kRoomForBlock) {
-    return CodingStatus::kCodingFailed;
+/// Additional bits of a coefficient.
+struct AdditionalBits {
+  std::uint16_t bits;
+  std::uint16_t size;
+};
+
+/// Of the coefficients from -kCoefficientLimit on.
+inline constexpr std::array<AdditionalBits, 2 * kCoefficientLimit> kAdditionalBits = [] {
+  std::array<AdditionalBits, 2 * kCoefficientLimit> table{};
+  for (std::int32_t value = -kCoefficientLimit; value < kCoefficientLimit; ++value) {
+    const auto size = std::bit_width(static_cast<std::uint32_t>(value < 0 ? -value : value));
+    const std::int32_t bits = value < 0 ? value + (1 << size) - 1 : value;
+    table[static_cast<std::size_t>(value + kCoefficientLimit)] = {
+        .bits = static_cast<std::uint16_t>(bits), .size = static_cast<std::uint16_t>(size)};
   }
-  WordBitWriter<Vector> writer(block.buffer + *block.position, *block.pending);
-  const std::int16_t* const coefficients = block.coefficients;
-  std::uint32_t all_bits = 0;  // to find a kNoCode afterwards
-  const auto put_value = [&](const CodeTable& table, std::uint32_t run, std::int32_t value)
-      __attribute__((always_inline)) {
-    const std::int32_t sign = value >> 31;
-    const auto low_bits = static_cast<std::uint32_t>(value + sign);
-    const auto size = static_cast<std::uint32_t>(
-        std::bit_width(static_cast<std::uint32_t>((value ^ sign) - sign)));
-    const CodeEntry entry = table.At(run, size);
-    all_bits |= entry.bits;
-    writer.Put(entry.bits | (low_bits & ((1U << size) - 1)), entry.length);
+  return table;
+}();
+
+/// Goes through the AC coefficients of a block that are not zero in zig-zag order.
+template <typename Vector>
+class Places {
+ public:
+  explicit Places(const std::int16_t* coefficients) : coefficients_(coefficients) {
+    const std::uint64_t rows = Vector::NonZero(coefficients);
+    for (std::size_t row = 0; row < 8; ++row) {
+      places_ |= kZigZagMasks[row][rows >> (8 * row) & 0xFF];
+    }
+    places_ >>= 1;
+  }
+
+  bool left() const { return places_ != 0; }
+  std::uint32_t zeros() const { return static_cast<std::uint32_t>(std::countr_zero(places_)); }
+  std::ptrdiff_t Take() {
+    const std::uint32_t zeros = this->zeros();
+    natural_ += zeros;
+    places_ >>= zeros;
+    places_ >>= 1;
+    return coefficients_[*natural_++];
+  }
+  std::size_t next() const { return static_cast<std::size_t>(natural_ - kZigZag.data()); }
+
+ private:
+  const std::int16_t* coefficients_;
+  std::uint64_t places_ = 0;
+  const std::uint8_t* natural_ = kZigZag.data() + 1;
+};
+
+/// JpegKernels::code_blocks. `Vector` provides:
+///   NonZero(c)    a byte for each row of coefficients, in it a bit for each that is not zero
+///   AreSmall(c)   whether all 64 lie in the range of kAdditionalBits
+///   CopyFindingFullBytes(in, out)  copies kCopied bytes, at most 32, and gives a bit for each that
+///                 is 0xFF
+template <typename Vector>
+class VectorBlockCoder {
+ public:
+  static CodingStatus CodeBlocks(BlockRun* run, const CodeBuffer& buffer) {
+    // Coded here first, then copied with the zero bytes put in.
+    std::uint8_t raw[kRawSize];
+    const std::int32_t room = std::min((buffer.size - *buffer.position) / 2, kRawSize);
+    const std::int16_t* coefficients = run->coefficients;
+    VectorBlockCoder coder(raw, *buffer.pending);
+    for (; run->count > 0 && coder.writer_.out() - raw + kLongestBlock <= room; --run->count) {
+      if (!Vector::AreSmall(coefficients)) [[unlikely]] {
+        return CodingStatus::kCodingFailed;
+      }
+      coder.PutBlock(coefficients, run->pattern[run->place]);
+      coefficients += kBlockSize;
+      run->place = run->place + 1 == run->pattern.size() ? 0 : run->place + 1;
+    }
+    if ((coder.all_bits_ & kNoCode) != 0) {
+      return CodingStatus::kCodingFailed;
+    }
+    run->coefficients = coefficients;
+    *buffer.pending = coder.writer_.pending();
+    *buffer.position += CopyStuffed(raw, coder.writer_.out(), buffer.bytes + *buffer.position);
+    return CodingStatus::kOk;
+  }
+
+ private:
+  static constexpr std::int32_t kRawSize = 2048;
+
+  VectorBlockCoder(std::uint8_t* raw, const PendingBits& pending) : writer_(raw, pending) {}
+
+  static std::int32_t CopyStuffed(const std::uint8_t* in, const std::uint8_t* end,
+                                  std::uint8_t* const out) {
+    std::uint8_t* to = out;
+    while (in < end) {
+      const std::uint32_t full_bytes = Vector::CopyFindingFullBytes(in, to);
+      std::ptrdiff_t bytes = std::min<std::ptrdiff_t>(Vector::kCopied, end - in);
+      if (full_bytes != 0 && std::countr_zero(full_bytes) < bytes) [[unlikely]] {
+        bytes = std::countr_zero(full_bytes) + 1;
+        to[bytes] = 0;
+        ++to;
+      }
+      in += bytes;
+      to += bytes;
+    }
+    return static_cast<std::int32_t>(to - out);
+  }
+
+  void PutBlock(const std::int16_t* coefficients, ComponentCoder* coder) {
+    PutDifference(*coder->dc, coefficients[0] - coder->predictor);
+    coder->predictor = coefficients[0];
+    const CodeTable& ac = *coder->ac;
+    Places<Vector> places(coefficients);
+    while (places.left()) {
+      // Two coefficients are put at once, unless many zeros lie between them.
+      Code code = NextCode(&places, ac);
+      if (places.left() && places.zeros() <= kLongestRun) {
+        const Code second = NextCode(&places, ac);
+        code = {code.bits << second.length | second.bits, code.length + second.length};
+      }
+      writer_.Put(code.bits, code.length);
+    }
+    if (places.next() != kBlockSize) {
+      Put(ac.At(0, 0), 0);
+    }
+  }
+
+  static constexpr std::uint32_t kLongestRun = 15;
+
+  struct Code {
+    std::uint64_t bits;
+    std::uint32_t length;
   };
 
-  put_value(*block.dc, 0, coefficients[0] - *block.predictor);
-  const std::uint64_t rows = Vector::NonZero(coefficients);
-  std::uint64_t places = 0;
-  for (std::size_t row = 0; row < 8; ++row) {
-    places |= kZigZagMasks[row][rows >> (8 * row) & 0xFF];
+  Code NextCode(Places<Vector>* places, const CodeTable& ac) {
+    std::uint32_t zeros = places->zeros();
+    for (; zeros > kLongestRun; zeros -= kLongestRun + 1) [[unlikely]] {
+        Put(ac.At(kLongestRun, 0), 0);
+      }
+    const AdditionalBits& additional = kAdditionalBits.data()[kCoefficientLimit + places->Take()];
+    const CodeEntry& entry = ac.At(zeros, additional.size);
+    all_bits_ |= entry.bits;
+    return {entry.bits | additional.bits, entry.length};
   }
-  places &= ~std::uint64_t{1};
-  std::uint32_t last = 0;
-  while (places != 0) {
-    const auto place = static_cast<std::uint32_t>(std::countr_zero(places));
-    places &= places - 1;
-    std::uint32_t run = place - last - 1;
-    last = place;
-    for (; run > 15; run -= 16) {
-      const CodeEntry& zero_run = block.ac->At(15, 0);
-      all_bits |= zero_run.bits;
-      writer.Put(zero_run.bits, zero_run.length);
-    }
-    put_value(*block.ac, run, coefficients[kZigZag[place]]);
+
+  void PutDifference(const CodeTable& dc, std::int32_t difference) {
+    const std::int32_t sign = difference >> 31;
+    const auto size = static_cast<std::uint32_t>(
+        std::bit_width(static_cast<std::uint32_t>((difference ^ sign) - sign)));
+    Put(dc.At(0, size), static_cast<std::uint32_t>(difference + sign) & ((1U << size) - 1));
   }
-  if (last != kBlockSize - 1) {
-    const CodeEntry& end_of_block = block.ac->At(0, 0);
-    all_bits |= end_of_block.bits;
-    writer.Put(end_of_block.bits, end_of_block.length);
+
+  void Put(const CodeEntry& entry, std::uint32_t additional_bits) {
+    all_bits_ |= entry.bits;
+    writer_.Put(entry.bits | additional_bits, entry.length);
   }
-  if ((all_bits & kNoCode) != 0) {
-    return CodingStatus::kCodingFailed;
-  }
-  writer.Finish();
-  *block.predictor = coefficients[0];
-  *block.position = static_cast<std::int32_t>(writer.out() - block.buffer);
-  *block.pending = writer.pending();
-  return CodingStatus::kOk;
-}
+
+  RawBitWriter<Vector> writer_;
+  std::uint32_t all_bits_ = 0;  // of all entries, to find a kNoCode afterwards
+};
 
 }  // namespace vexa::output
