@@ -175,6 +175,8 @@ TEST_F(TriggerTest, TriggerModeRecoversAfterALostFrame) {
   ASSERT_TRUE(Vexa_SoftTrigger(camera_));
   ASSERT_TRUE(recorder.AwaitErrors(1));
   EXPECT_THAT(recorder.errors(), ElementsAre(0xE0000002));
+  ASSERT_TRUE(Vexa_SoftTrigger(camera_));
+  ASSERT_TRUE(recorder.AwaitFrames(2));
   std::vector<std::string> flow;
   for (const auto& entry : twin_->Log()) {
     if (entry.code == ControlCode::kStopStream) {
@@ -186,8 +188,6 @@ TEST_F(TriggerTest, TriggerModeRecoversAfterALostFrame) {
     }
   }
   EXPECT_THAT(flow, ElementsAre("clear", "stop", "clear", "reset"));
-  ASSERT_TRUE(Vexa_SoftTrigger(camera_));
-  EXPECT_TRUE(recorder.AwaitFrames(2));
 }
 
 }  // namespace
