@@ -19,11 +19,11 @@ inline constexpr std::uint32_t kForever = 0xFFFFFFFF;
 
 /// Which I/O controls a fault concerns: those that have every value that is given.
 struct RequestMatcher {
-  std::optional<platform::ControlCode> code;
-  std::optional<std::uint8_t> request;
-  std::optional<std::uint16_t> value;
-  std::optional<std::uint16_t> index;
-  std::optional<bool> device_to_host;
+  std::optional<platform::ControlCode> code = std::nullopt;
+  std::optional<std::uint8_t> request = std::nullopt;
+  std::optional<std::uint16_t> value = std::nullopt;
+  std::optional<std::uint16_t> index = std::nullopt;
+  std::optional<bool> device_to_host = std::nullopt;
 
   bool Matches(const LoggedRequest& entry) const;
 };

@@ -14,19 +14,6 @@ constexpr std::size_t kHeaderFields = 64;
 constexpr std::uint32_t kMagic = 0x48465856;  // "VXFH"
 constexpr std::size_t kGroup = 4;             // pixels that the YUV layouts keep together
 
-std::uint16_t ColourArrayOf(const Geometry& geometry) {
-  if (geometry.colour_array == 1) return 1;
-  const Sampling sampling(geometry);
-  // The code follows from where red stands among the first four pixels.
-  for (std::uint16_t code = 2; code <= 5; ++code) {
-    if (FilterAt(code, 0, 0) ==
-        FilterAt(geometry.colour_array, sampling.columns[0], sampling.rows[0])) {
-      return code;
-    }
-  }
-  return geometry.colour_array;
-}
-
 }  // namespace
 
 FrameRenderer::FrameRenderer(const CameraConfig& config)
@@ -42,14 +29,15 @@ void FrameRenderer::Render(const std::shared_ptr<const CameraSettings>& settings
   }
   image_.MoveTo(number);
   const ImageSettings& image = settings->image;
-  frame->bytes.resize(config_.header_size +
-                      ImageBytes(image.transfer_format, image_.width(), image_.height()));
+  frame->bytes.resize(
+      config_.header_size +
+      PixelBytes(image.transfer_format, std::size_t{image_.width()} * image_.height()));
   WriteHeader(*settings, number, frame);
   const bool whole_groups = IsOneSample(image.transfer_format) || image_.width() % kGroup == 0;
   if (config_.noise || frame->picture != picture_ || !whole_groups) {
     WriteAll(number, frame);
   } else {
-    WriteMoved(number, frame);
+    WriteMoved(frame);
   }
   frame->picture = picture_;
   frame->placements = image_.placements();
@@ -70,7 +58,7 @@ void FrameRenderer::WriteHeader(const CameraSettings& settings, std::uint32_t nu
   StoreLe32(header, 20, static_cast<std::uint32_t>(start >> 32));
   StoreLe32(header, 24, settings.exposure_clock);
   StoreLe16(header, 28, settings.gain);
-  StoreLe16(header, 30, ColourArrayOf(geometry));
+  StoreLe16(header, 30, image_.colour_array());
   StoreLe32(header, 32, geometry.width);
   StoreLe32(header, 36, geometry.height);
   StoreLe32(header, 40, settings.image.transfer_format);
@@ -81,10 +69,14 @@ void FrameRenderer::WriteHeader(const CameraSettings& settings, std::uint32_t nu
 }
 
 void FrameRenderer::WriteAll(std::uint32_t number, FrameBuffer* frame) {
-  WriteArea(number, {{0, image_.width()}, {0, image_.height()}}, frame);
+  // Rows follow each other without gaps, so that the image is one long row.
+  const std::size_t pixels = std::size_t{image_.width()} * image_.height();
+  for (std::size_t i = 0; i < pixels; i += NoiseSource::kLongestStretch) {
+    WritePixels(number, i, std::min(i + NoiseSource::kLongestStretch, pixels), frame);
+  }
 }
 
-void FrameRenderer::WriteMoved(std::uint32_t number, FrameBuffer* frame) {
+void FrameRenderer::WriteMoved(FrameBuffer* frame) {
   const Overlay::Placements& placements = image_.placements();
   for (std::size_t i = 0; i < placements.size(); ++i) {
     if (frame->placements[i] == placements[i]) continue;
@@ -94,44 +86,32 @@ void FrameRenderer::WriteMoved(std::uint32_t number, FrameBuffer* frame) {
       area.columns.first = area.columns.first / kGroup * kGroup;
       area.columns.end =
           std::min<std::size_t>((area.columns.end + kGroup - 1) / kGroup * kGroup, image_.width());
-      WriteArea(number, area, frame);
+      WriteArea(area, frame);
     }
   }
 }
 
-void FrameRenderer::WriteArea(std::uint32_t number, const SensorImage::Area& area,
-                              FrameBuffer* frame) {
-  std::uint8_t* image = frame->bytes.data() + config_.header_size;
-  const std::size_t row_bytes = ImageBytes(image_.format(), image_.width(), 1);
+void FrameRenderer::WriteArea(const SensorImage::Area& area, FrameBuffer* frame) {
   for (std::size_t y = area.rows.first; y < area.rows.end; ++y) {
-    std::size_t x = area.columns.first;
-    while (x < area.columns.end) {
-      const std::size_t stretch_end =
-          (x / NoiseSource::kLongestStretch + 1) * NoiseSource::kLongestStretch;
-      const std::size_t end = std::min(area.columns.end, stretch_end);
-      WriteStretch(number, y, x, end, image + y * row_bytes);
-      x = end;
-    }
+    const std::size_t row = y * image_.width();
+    WritePixels(0, row + area.columns.first, row + area.columns.end, frame);
   }
 }
 
-void FrameRenderer::WriteStretch(std::uint32_t number, std::size_t y, std::size_t first,
-                                 std::size_t end, std::uint8_t* row) {
+void FrameRenderer::WritePixels(std::uint32_t number, std::size_t first, std::size_t end,
+                                FrameBuffer* frame) {
   const std::vector<Plane>& planes = image_.planes();
-  const std::size_t begin = y * image_.width() + first;
-  const std::size_t count = end - first;
-  const auto stretch = static_cast<std::uint32_t>(first / NoiseSource::kLongestStretch);
-  const auto line = static_cast<std::uint32_t>(y);
-  std::uint8_t* out = row + ImageBytes(image_.format(), static_cast<std::uint32_t>(first), 1);
+  std::uint8_t* out =
+      frame->bytes.data() + config_.header_size + PixelBytes(image_.format(), first);
   std::span<const std::int16_t> samples[3];
   for (std::uint32_t p = 0; p < planes.size(); ++p) {
-    samples[p] = std::span(planes[p].mean).subspan(begin, count);
+    samples[p] = std::span(planes[p].mean).subspan(first, end - first);
     if (!config_.noise) continue;
-    const std::int16_t* noise = noise_.Stretch(number, line, p, stretch);
-    const std::int16_t* strength = planes[p].noise.data() + begin;
+    const std::int16_t* noise = noise_.Stretch(number, p, first / NoiseSource::kLongestStretch);
+    const std::int16_t* strength = planes[p].noise.data() + first;
     if (IsEightBit(image_.format())) return AddNoise8(samples[p], strength, noise, out);
     AddNoise(samples[p], strength, noise, stretch_[p].data());
-    samples[p] = std::span(stretch_[p]).first(count);
+    samples[p] = std::span(stretch_[p]).first(end - first);
   }
   if (planes.size() == 1) {
     PackSamples(image_.format(), samples[0], out);

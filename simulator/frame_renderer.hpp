@@ -40,10 +40,10 @@ class FrameRenderer {
  private:
   void WriteHeader(const CameraSettings& settings, std::uint32_t number, FrameBuffer* frame) const;
   void WriteAll(std::uint32_t number, FrameBuffer* frame);
-  void WriteMoved(std::uint32_t number, FrameBuffer* frame);
-  void WriteArea(std::uint32_t number, const SensorImage::Area& area, FrameBuffer* frame);
-  void WriteStretch(std::uint32_t number, std::size_t y, std::size_t first, std::size_t end,
-                    std::uint8_t* row);
+  void WriteMoved(FrameBuffer* frame);
+  void WriteArea(const SensorImage::Area& area, FrameBuffer* frame);
+  // Pixels [first, end), counted through all rows; with noise one stretch of it.
+  void WritePixels(std::uint32_t number, std::size_t first, std::size_t end, FrameBuffer* frame);
 
   const CameraConfig config_;
   NoiseSource noise_;

@@ -40,12 +40,11 @@ inline int Noisy(std::int16_t mean, std::int16_t strength, std::int16_t noise) {
 
 }  // namespace
 
-const std::int16_t* NoiseSource::Stretch(std::uint32_t frame, std::uint32_t row,
-                                         std::uint32_t plane, std::uint32_t stretch) const {
+const std::int16_t* NoiseSource::Stretch(std::uint32_t frame, std::uint32_t plane,
+                                         std::size_t stretch) const {
   static const std::vector<std::int16_t> table = MakeTable();
-  const std::uint64_t place =
-      Mix(seed_ ^ Mix(std::uint64_t{frame} << 32 | row)) + plane * 7919u + stretch * 104729u;
-  return table.data() + Mix(place) % kTableSize;
+  const std::uint64_t place = std::uint64_t{stretch} << 34 | std::uint64_t{plane} << 32 | frame;
+  return table.data() + Mix(seed_ ^ Mix(place)) % kTableSize;
 }
 
 void AddNoise(std::span<const std::int16_t> mean, const std::int16_t* strength,

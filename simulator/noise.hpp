@@ -8,8 +8,8 @@
 
 namespace vexa::simulator {
 
-/// Normally distributed numbers from one table for all cameras; every stretch of a row reads it
-/// from a place that follows from seed, frame, row and plane.
+/// Normally distributed numbers from one table for all cameras; every stretch of an image reads it
+/// from a place that follows from seed, frame, plane and stretch.
 class NoiseSource {
  public:
   static constexpr std::size_t kLongestStretch = 4096;
@@ -17,9 +17,9 @@ class NoiseSource {
 
   explicit NoiseSource(std::uint64_t seed) : seed_(seed) {}
 
-  /// kLongestStretch numbers for pixels [stretch * kLongestStretch, ...) of a row.
-  const std::int16_t* Stretch(std::uint32_t frame, std::uint32_t row, std::uint32_t plane,
-                              std::uint32_t stretch) const;
+  /// Numbers for the pixels [stretch * kLongestStretch, (stretch + 1) * kLongestStretch) of an
+  /// image, counted through all rows.
+  const std::int16_t* Stretch(std::uint32_t frame, std::uint32_t plane, std::size_t stretch) const;
 
  private:
   std::uint64_t seed_;

@@ -96,8 +96,7 @@ unsigned SampleBits(std::uint32_t format) {
   return 8 + 2 * (static_cast<unsigned>(std::countr_zero(format)) % 5);
 }
 
-std::size_t ImageBytes(std::uint32_t format, std::uint32_t width, std::uint32_t height) {
-  const std::size_t pixels = std::size_t{width} * height;
+std::size_t PixelBytes(std::uint32_t format, std::size_t pixels) {
   switch (format) {
     case kFormatBgr24:
     case kFormatYuv444:
@@ -137,7 +136,7 @@ void PackColours(std::uint32_t format, std::span<const std::int16_t> red,
                  std::uint8_t* out) {
   if (format == kFormatBgr24) return PackBgr24(red, green, blue, out);
   if (format == kFormatBgr10) return PackBgr10(red, green, blue, out);
-  const std::size_t group_bytes = ImageBytes(format, 4, 1);
+  const std::size_t group_bytes = PixelBytes(format, 4);
   for (std::size_t i = 0; i + 4 <= red.size(); i += 4) {
     Yuv pixels[4];
     for (std::size_t k = 0; k < 4; ++k) pixels[k] = ToYuv(red[i + k], green[i + k], blue[i + k]);

@@ -24,8 +24,8 @@ constexpr bool IsEightBit(std::uint32_t format) { return format == 0x0001 || for
 /// Significant bits of a one-sample format: 8, 10, 12, 14 or 16.
 unsigned SampleBits(std::uint32_t format);
 
-/// Bytes of an image.
-std::size_t ImageBytes(std::uint32_t format, std::uint32_t width, std::uint32_t height);
+/// Bytes of so many pixels; an image has no gaps between its rows.
+std::size_t PixelBytes(std::uint32_t format, std::size_t pixels);
 
 /// Lays out 14-bit samples of one-sample pixels: right-aligned, 16-bit words little-endian. The 16
 /// bits of the deepest format are spread from 14 so that full scale is 65535.

@@ -13,6 +13,13 @@ Filter FilterAt(std::uint16_t colour_array, std::uint32_t x, std::uint32_t y) {
   return odd_column ? Filter::kGreenRed : Filter::kRed;
 }
 
+std::uint16_t ColourArrayFrom(std::uint16_t colour_array, std::uint32_t x, std::uint32_t y) {
+  if (colour_array == 1) return 1;
+  // An odd column exchanges 2 with 3 and 4 with 5, an odd row 2 with 4 and 3 with 5.
+  const std::uint32_t code = ((colour_array - 2u) & 3u) ^ (x & 1) ^ (y & 1) << 1;
+  return static_cast<std::uint16_t>(code + 2);
+}
+
 AxisMap::AxisMap(std::uint32_t lines, std::uint32_t origin, std::uint32_t pitch, std::uint32_t bin,
                  bool mirror, std::uint32_t cell, std::uint32_t sensor_lines)
     : first_(lines),

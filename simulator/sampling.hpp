@@ -16,6 +16,9 @@ enum class Filter : std::uint8_t { kRed, kGreenRed, kGreenBlue, kBlue };
 /// The filter of a sensor pixel of a colour array (2 ... 5).
 Filter FilterAt(std::uint16_t colour_array, std::uint32_t x, std::uint32_t y);
 
+/// The colour array code counted from a sensor pixel instead of the first; 1 stays 1.
+std::uint16_t ColourArrayFrom(std::uint16_t colour_array, std::uint32_t x, std::uint32_t y);
+
 /// The sensor lines (columns or rows) behind the lines of a frame, along one axis.
 class AxisMap {
  public:

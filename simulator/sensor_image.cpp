@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "simulator/lens.hpp"
 #include "simulator/noise.hpp"
 #include "simulator/pixel_format.hpp"
 
@@ -46,6 +47,8 @@ std::uint16_t SensorImage::DriveOf(const Light& light, std::size_t curve) const 
 
 void SensorImage::ExposeScene() {
   sampling_ = Sampling(settings_.geometry);
+  frame_colour_array_ =
+      ColourArrayFrom(config_.colour_array, sampling_.columns[0], sampling_.rows[0]);
   planes_.resize(HasColourFrames() ? 3 : 1);
   const std::size_t pixels = std::size_t{width()} * height();
   for (Plane& plane : planes_) {
@@ -53,28 +56,27 @@ void SensorImage::ExposeScene() {
     plane.mean.resize(pixels);
     plane.noise.resize(pixels);
   }
-  const Scene scene(settings_.geometry.sensor, settings_.scene);
-  std::vector<Light> lights(sampling_.columns.Span());
+  Lens lens(settings_.geometry.sensor, settings_.scene, sampling_.columns.Lowest(),
+            sampling_.columns.Span());
   std::vector<std::uint32_t> sums(width() * planes_.size());
-  for (std::size_t y = 0; y < height(); ++y) ExposeRow(scene, y, &lights, &sums);
+  for (std::size_t y = 0; y < height(); ++y) ExposeRow(y, &lens, &sums);
   AddDefects();
   CorrectDefects();
 }
 
-void SensorImage::ExposeRow(const Scene& scene, std::size_t y, std::vector<Light>* lights,
-                            std::vector<std::uint32_t>* sums) {
+void SensorImage::ExposeRow(std::size_t y, Lens* lens, std::vector<std::uint32_t>* sums) {
   const AxisMap& columns = sampling_.columns;
   const std::uint32_t left = columns.Lowest();
   std::ranges::fill(*sums, 0u);
   for (std::uint32_t k = 0; k < sampling_.rows.bin(); ++k) {
     const std::uint32_t sensor_y = sampling_.rows.Binned(y, k);
-    scene.PaintRow(left, sensor_y, *lights);
+    const std::span<const Light> lights = lens->Row(sensor_y);
     for (std::size_t p = 0; p < planes_.size(); ++p) {
       std::uint32_t* sum = sums->data() + p * width();
       for (std::size_t x = 0; x < width(); ++x) {
         const std::size_t curve = CurveOf(p, columns[x], sensor_y);
         for (std::uint32_t j = 0; j < columns.bin(); ++j) {
-          sum[x] += DriveOf((*lights)[columns.Binned(x, j) - left], curve);
+          sum[x] += DriveOf(lights[columns.Binned(x, j) - left], curve);
         }
       }
     }

@@ -13,6 +13,8 @@
 
 namespace vexa::simulator {
 
+class Lens;
+
 /// One sample per pixel of the frame: what it sees without the moving parts, and mean and noise of
 /// its sample with them.
 struct Plane {
@@ -37,6 +39,8 @@ class SensorImage {
   std::uint32_t width() const { return settings_.geometry.width; }
   std::uint32_t height() const { return settings_.geometry.height; }
   std::uint32_t format() const { return settings_.transfer_format; }
+  /// Colour array code of the frame, counted from its first pixel.
+  std::uint16_t colour_array() const { return frame_colour_array_; }
 
   /// Where the parts are, and the pixels of the frame that one covers.
   const Overlay::Placements& placements() const { return placements_; }
@@ -49,8 +53,7 @@ class SensorImage {
  private:
   bool HasColourFrames() const;
   void ExposeScene();
-  void ExposeRow(const Scene& scene, std::size_t y, std::vector<Light>* lights,
-                 std::vector<std::uint32_t>* sums);
+  void ExposeRow(std::size_t y, Lens* lens, std::vector<std::uint32_t>* sums);
   void AddDefects();
   void CorrectDefects();
   void Develop();
@@ -63,6 +66,7 @@ class SensorImage {
   bool configured_ = false;
   ImageSettings settings_;
   Sampling sampling_;
+  std::uint16_t frame_colour_array_ = 1;
   Overlay overlay_;
   Response response_;
   std::vector<Plane> planes_;

@@ -46,6 +46,7 @@ Status StreamEngine::Start() {
     running_ = true;
   }
   if (std::exchange(trigger_kept_, false)) BeginShot();
+  if (std::exchange(read_out_kept_, false)) RequestReadOut();
   Wake();
   return error::kNone;
 }
@@ -55,7 +56,7 @@ void StreamEngine::Stop(Status status) {
   {
     const std::lock_guard lock(mutex_);
     EndMatchingReads(nullptr, {}, status);
-    trigger_kept_ = false;
+    trigger_kept_ = read_out_kept_ = false;
     stop_ = true;
     Wake();
   }
@@ -177,33 +178,35 @@ void StreamEngine::BeginShot() {
 }
 
 void StreamEngine::RequestReadOut() {
-  if (shot_.phase == Phase::kIdle) return;
-  shot_.read_out_requested = true;
+  read_out_kept_ = !running_ && trigger_kept_;
+  if (shot_.phase != Phase::kIdle) shot_.read_out_requested = true;
 }
 
 void StreamEngine::ResendStored() {
   if (!running_ || settings_->trigger.free_run() || shot_.phase != Phase::kIdle) return;
   const int slot = memory_.AcquireStored();
-  if (slot != FrameMemory::kNone) QueueFrame(slot, true);
+  if (slot == FrameMemory::kNone) return;
+  // It comes apart as the present mode wants it.
+  const bool separate = settings_->trigger.separate_header();
+  if (separate) QueueHeader(slot);
+  QueueImage(slot, separate);
 }
 
-void StreamEngine::QueueFrame(int slot, bool with_header) {
-  // A resent frame comes apart as the present mode wants it.
-  const std::size_t header =
-      std::min<std::size_t>(config_.header_size, memory_.Frame(slot).bytes.size());
-  const bool separate = settings_->trigger.separate_header();
-  if (separate && with_header) {
-    const std::size_t shortage = std::min<std::size_t>(faults_.TakeHeaderShortage(), header);
-    memory_.Push({slot, 0, header - shortage, false});
-  }
-  const std::size_t begin = separate ? header : 0;
+void StreamEngine::QueueHeader(int slot) {
+  const std::size_t header = config_.header_size;
+  const std::size_t shortage = std::min<std::size_t>(faults_.TakeHeaderShortage(), header);
+  memory_.Push({slot, 0, header - shortage, false});
+}
+
+void StreamEngine::QueueImage(int slot, bool separate_header) {
+  const std::size_t begin = separate_header ? config_.header_size : 0;
   const auto size = static_cast<std::int64_t>(memory_.Frame(slot).bytes.size() - begin);
   const std::int64_t changed = std::max<std::int64_t>(size + faults_.TakeFrameDifference(), 0);
   memory_.Push({slot, begin, static_cast<std::size_t>(changed)});
 }
 
 void StreamEngine::ClearBuffer() {
-  trigger_kept_ = false;
+  trigger_kept_ = read_out_kept_ = false;
   shot_ = {};
   ++clears_;
   const std::size_t sent = memory_.Empty() ? 0 : memory_.Front().sent + serving_bytes_;

@@ -92,6 +92,7 @@ class StreamEngine {
     Phase phase = Phase::kIdle;
     Clock::time_point until;
     bool read_out_requested = false;
+    bool separate_header = false;
     int slot = FrameMemory::kNone;
   };
 
@@ -115,7 +116,8 @@ class StreamEngine {
   void BeginShot();
   void RequestReadOut();
   void ResendStored();
-  void QueueFrame(int slot, bool with_header);
+  void QueueHeader(int slot);
+  void QueueImage(int slot, bool separate_header);
   void ClearBuffer();
   void ResetStreamState();
 
@@ -134,6 +136,7 @@ class StreamEngine {
   bool waiting_ = false;  // the thread sleeps
   bool stalled_ = false;
   bool trigger_kept_ = false;
+  bool read_out_kept_ = false;
   std::shared_ptr<const CameraSettings> settings_;
   FrameMemory memory_;
   Shot shot_;

@@ -69,11 +69,12 @@ bool StreamEngine::SendPart(Lock& lock) {
 }
 
 bool StreamEngine::Expose(Lock& lock) {
-  return settings_->trigger.free_run() ? ExposeFreeRun(lock) : ExposeTriggered(lock);
+  // A triggered exposure runs to its end, whatever the mode has become.
+  const bool free_run = settings_->trigger.free_run() && shot_.phase == Phase::kIdle;
+  return free_run ? ExposeFreeRun(lock) : ExposeTriggered(lock);
 }
 
 bool StreamEngine::ExposeFreeRun(Lock& lock) {
-  shot_ = {};
   if (real_time()) {
     const Clock::time_point now = Clock::now();
     if (now < next_frame_) return false;
@@ -87,7 +88,7 @@ bool StreamEngine::ExposeFreeRun(Lock& lock) {
   }
   const int slot = MakeFrame(lock);
   if (slot != FrameMemory::kNone) {
-    QueueFrame(slot, false);
+    QueueImage(slot, false);
     memory_.Store(slot);
   }
   return true;
@@ -106,7 +107,7 @@ bool StreamEngine::ExposeTriggered(Lock& lock) {
     case Phase::kExposure:
       return now >= shot_.until && EndExposure(lock);
     case Phase::kAwaitReadOut:
-      if (!shot_.read_out_requested) return false;
+      if (!shot_.read_out_requested && settings_->trigger.read_out_trigger()) return false;
       shot_.phase = Phase::kReadOut;
       shot_.until = now + settings_->timing.read_out_delay;
       if (real_time()) shot_.until += settings_->timing.read_out;
@@ -134,19 +135,14 @@ bool StreamEngine::EndExposure(Lock& lock) {
     return true;
   }
   shot_.slot = slot;
-  if (settings_->trigger.separate_header()) {
-    const std::size_t header = config_.header_size;
-    const std::size_t shortage = std::min<std::size_t>(faults_.TakeHeaderShortage(), header);
-    memory_.Push({slot, 0, header - shortage, false});
-  }
-  // Without a read-out trigger the read-out follows by itself.
-  if (!settings_->trigger.read_out_trigger()) shot_.read_out_requested = true;
+  shot_.separate_header = settings_->trigger.separate_header();
+  if (shot_.separate_header) QueueHeader(slot);
   shot_.phase = Phase::kAwaitReadOut;
   return true;
 }
 
 void StreamEngine::EndReadOut() {
-  QueueFrame(shot_.slot, false);
+  QueueImage(shot_.slot, shot_.separate_header);
   memory_.Store(shot_.slot);
   shot_ = {};
 }
@@ -185,11 +181,10 @@ int StreamEngine::MakeFrame(Lock& lock) {
 
 void StreamEngine::Await(Lock& lock) {
   waiting_ = true;
-  const bool free_run = settings_->trigger.free_run();
-  if (free_run && real_time()) {
-    wake_.wait_until(lock, next_frame_);
-  } else if (!free_run && shot_.phase != Phase::kIdle && shot_.until > Clock::now()) {
+  if (shot_.phase != Phase::kIdle && shot_.until > Clock::now()) {
     wake_.wait_until(lock, shot_.until);
+  } else if (shot_.phase == Phase::kIdle && settings_->trigger.free_run() && real_time()) {
+    wake_.wait_until(lock, next_frame_);
   } else {
     wake_.wait(lock);
   }

@@ -40,8 +40,8 @@ struct Runner {
 };
 
 ExitCode Report(ExitCode code, const std::string& message, const std::string& advice) {
-  static_cast<void>(Write(Stream::kError, "vexa: " + message + "\n" +
-                                              (advice.empty() ? "" : "  " + advice + "\n")));
+  static_cast<void>(Write(
+      Stream::kError, "vexa: " + message + "\n" + (advice.empty() ? "" : "  " + advice + "\n")));
   return code;
 }
 

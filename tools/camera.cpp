@@ -38,11 +38,12 @@ Camera OpenCamera(std::size_t index) {
   if (opened.cameras.empty()) {
     throw NoCameraError(opened.code);
   }
-  throw ToolError(ExitCode::kNoCamera,
-                  Format("no camera has the index %zu: %zu free camera(s) found, Vexa_Open failed: ",
-                         index, opened.cameras.size()) +
-                      DescribeCode(opened.code),
-                  "Indexes begin with 0; \"vexa list\" shows them.");
+  throw ToolError(
+      ExitCode::kNoCamera,
+      Format("no camera has the index %zu: %zu free camera(s) found, Vexa_Open failed: ", index,
+             opened.cameras.size()) +
+          DescribeCode(opened.code),
+      "Indexes begin with 0; \"vexa list\" shows them.");
 }
 
 ToolError NoCameraError(DWORD code) {

@@ -75,7 +75,8 @@ void ApplyExposure(const Camera& camera, double milliseconds, std::vector<std::s
   const double in_force = static_cast<double>(seconds) * 1e3;
   constexpr double kWorthANote = 0.02;
   if (std::abs(in_force - milliseconds) > kWorthANote * milliseconds) {
-    notes.push_back(Format("the exposure is %.6g ms, the nearest that the camera can do", in_force));
+    notes.push_back(
+        Format("the exposure is %.6g ms, the nearest that the camera can do", in_force));
   }
 }
 

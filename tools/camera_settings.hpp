@@ -16,7 +16,7 @@ struct FrameSettings {
   Region region;
   std::uint32_t format = 0; /**< VEXA_TRANSFER_ code. */
   std::uint16_t color_array = 0;
-  double frame_rate = 0;          /**< Frames per second as the camera's timing has it; 0 unknown. */
+  double frame_rate = 0; /**< Frames per second as the camera's timing has it; 0 unknown. */
   std::uint32_t trigger_mode = 0; /**< As Vexa_GetTriggerMode(). */
 };
 

@@ -12,7 +12,7 @@ FramePool::FramePool(std::size_t buffers, std::size_t bytes) : frames_(buffers),
   }
 }
 
-bool FramePool::Put(const StoredFrame& description, std::span<const BYTE> pixels) {
+bool FramePool::Put(const FrameDescription& description, std::span<const BYTE> pixels) {
   StoredFrame* frame = nullptr;
   {
     const std::lock_guard lock(mutex_);
@@ -22,10 +22,7 @@ bool FramePool::Put(const StoredFrame& description, std::span<const BYTE> pixels
     frame = free_.back();
     free_.pop_back();
   }
-  frame->index = description.index;
-  frame->width = description.width;
-  frame->height = description.height;
-  frame->color_array = description.color_array;
+  frame->description = description;
   frame->size = pixels.size();
   std::copy(pixels.begin(), pixels.end(), frame->pixels.begin());
   const std::lock_guard lock(mutex_);

@@ -7,18 +7,22 @@
 #include <cstddef>
 #include <cstdint>
 #include <mutex>
-#include <optional>
 #include <span>
 #include <vector>
 
 namespace vexa::tool {
 
-/** A copied frame. */
-struct StoredFrame {
+/** What is known about a frame beside its pixels. */
+struct FrameDescription {
   std::uint32_t index = 0; /**< From 1, in the order of arrival. */
   std::uint32_t width = 0;
   std::uint32_t height = 0;
   std::uint16_t color_array = 0;
+};
+
+/** A copied frame. */
+struct StoredFrame {
+  FrameDescription description;
   std::size_t size = 0; /**< Bytes of the frame in `pixels`. */
   std::vector<BYTE> pixels;
 };
@@ -31,7 +35,7 @@ class FramePool {
 
   /** Copies a frame into a free buffer and queues it. @param pixels at most `bytes` long.
    *  @return false when no buffer is free. */
-  bool Put(const StoredFrame& description, std::span<const BYTE> pixels);
+  bool Put(const FrameDescription& description, std::span<const BYTE> pixels);
 
   /** Waits for the oldest queued frame. @return null once Close() was called and none is left. */
   StoredFrame* Take();

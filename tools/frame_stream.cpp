@@ -34,7 +34,8 @@ FrameStream::FrameStream(const Camera& camera, std::uint32_t format, Consumer co
 
 FrameStream::~FrameStream() {
   if (started_) {
-    // Whatever fails here: removing a callback waits for a running one, so none meets a dead stream.
+    // Whatever fails here: removing a callback waits for a running one, so none meets a dead
+    // stream.
     static_cast<void>(Vexa_StopTransfer(camera_.handle()));
     static_cast<void>(Vexa_SetTransferEndCallback(camera_.handle(), nullptr, nullptr));
     static_cast<void>(Vexa_SetRcvErrorCallback(camera_.handle(), nullptr, nullptr));
@@ -45,6 +46,8 @@ void FrameStream::Start() {
   started_ = true;
   camera_.Call("Vexa_SetTransferEndCallback", Vexa_SetTransferEndCallback, &OnFrame, this);
   camera_.Call("Vexa_SetRcvErrorCallback", Vexa_SetRcvErrorCallback, &OnError, this);
+  // Frames that wait in the camera were taken with earlier settings.
+  camera_.Call("Vexa_ClearBuffer", Vexa_ClearBuffer);
   start_time_ = Clock::now();
   camera_.Call("Vexa_StartTransfer", Vexa_StartTransfer);
 }

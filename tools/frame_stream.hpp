@@ -67,7 +67,8 @@ class FrameStream {
   /** Stops, if Stop() has not. */
   ~FrameStream();
 
-  /** Registers the callbacks and starts the transfer. @throws ApiError. */
+  /** Registers the callbacks, discards what waits in the camera, and starts the transfer.
+   *  @throws ApiError. */
   void Start();
 
   /** Stops the transfer and removes the callbacks; no frame comes afterwards. @throws ApiError. */

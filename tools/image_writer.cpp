@@ -6,7 +6,6 @@
 #include <system_error>
 
 #include "errors.hpp"
-#include "names.hpp"
 #include "text.hpp"
 
 namespace vexa::tool {
@@ -39,11 +38,11 @@ void SaveBytes(const StoredFrame& frame, const std::filesystem::path& path) {
   std::error_code error;
   const std::uintmax_t written = std::filesystem::file_size(path, error);
   if (error || written != frame.size) {
-    throw ToolError(ExitCode::kFailure,
-                    Format("\"%s\" is incomplete: %ju of %zu bytes were written",
-                           Utf8FromPath(path).c_str(), error ? std::uintmax_t{0} : written,
-                           frame.size),
-                    "Check the free space of the disk.");
+    throw ToolError(
+        ExitCode::kFailure,
+        Format("\"%s\" is incomplete: %ju of %zu bytes were written", Utf8FromPath(path).c_str(),
+               error ? std::uintmax_t{0} : written, frame.size),
+        "Check the free space of the disk.");
   }
 }
 
@@ -51,46 +50,17 @@ void SaveInterpolated(const StoredFrame& frame, std::uint8_t method,
                       const std::filesystem::path& path, std::vector<BYTE>& color) {
   constexpr std::size_t kBytesPerPixel = 3;
   color.resize(frame.size * kBytesPerPixel);
-  if (Vexa_ColorInterpolation(frame.width, frame.height, frame.color_array, frame.pixels.data(),
-                              color.data(), method, VEXA_OUTPUT_BGR24) == 0) {
+  if (Vexa_ColorInterpolation(frame.description.width, frame.description.height,
+                              frame.description.color_array, frame.pixels.data(), color.data(),
+                              method, VEXA_OUTPUT_BGR24) == 0) {
     throw ApiError("Vexa_ColorInterpolation", GetLastError(),
                    "Choose another --method or a larger region: the methods need up to 6 x 6 "
                    "pixels.");
   }
-  Save(frame.width, frame.height, VEXA_OUTPUT_BGR24, color.data(), path);
+  Save(frame.description.width, frame.description.height, VEXA_OUTPUT_BGR24, color.data(), path);
 }
 
 }  // namespace
-
-SavePlan PlanSaving(FileType type, std::uint32_t format, std::uint16_t color_array,
-                    std::optional<std::uint8_t> method) {
-  using Content = SavePlan::Content;
-  const TransferFormat* layout = FindTransferFormat(format);
-  const std::string name = layout != nullptr ? layout->name : Format("0x%04X", format);
-  if (type == FileType::kRaw) {
-    if (method) {
-      throw ToolError(ExitCode::kUsage, "--method does not apply to .raw files",
-                      "They hold the frame as the camera sends it; use .bmp for a picture.");
-    }
-    return {Content::kBytes};
-  }
-  if (format == VEXA_TRANSFER_BGR24) {
-    if (method) {
-      throw ToolError(ExitCode::kUsage, "--method does not apply to frames in the format " + name,
-                      "The camera has interpolated them already; leave --method out.");
-    }
-    return {Content::kColor};
-  }
-  if (!IsEightBit(format)) {
-    throw ToolError(ExitCode::kUsage,
-                    "frames in the format " + name + " can only be saved as .raw files",
-                    "Give --output a name that ends with .raw, or choose --format 8bit.");
-  }
-  if (color_array == VEXA_COLOR_ARRAY_MONO) {
-    return {Content::kGrey};
-  }
-  return {Content::kInterpolate, method.value_or(VEXA_INTERP_BILINEAR)};
-}
 
 void SaveFrame(const StoredFrame& frame, const SavePlan& plan, const std::filesystem::path& path,
                std::vector<BYTE>& color) {
@@ -99,13 +69,15 @@ void SaveFrame(const StoredFrame& frame, const SavePlan& plan, const std::filesy
       SaveBytes(frame, path);
       break;
     case SavePlan::Content::kGrey:
-      Save(frame.width, frame.height, VEXA_OUTPUT_MONO8, frame.pixels.data(), path);
+      Save(frame.description.width, frame.description.height, VEXA_OUTPUT_MONO8,
+           frame.pixels.data(), path);
       break;
     case SavePlan::Content::kInterpolate:
       SaveInterpolated(frame, plan.method, path, color);
       break;
     case SavePlan::Content::kColor:
-      Save(frame.width, frame.height, VEXA_OUTPUT_BGR24, frame.pixels.data(), path);
+      Save(frame.description.width, frame.description.height, VEXA_OUTPUT_BGR24,
+           frame.pixels.data(), path);
       break;
   }
 }
@@ -133,7 +105,7 @@ void ImageWriter::Run() {
   while (StoredFrame* frame = pool_.Take()) {
     if (!failed_) {
       try {
-        SaveFrame(*frame, plan_, pattern_.PathOf(frame->index), color);
+        SaveFrame(*frame, plan_, pattern_.PathOf(frame->description.index), color);
         saved_ += 1;
       } catch (...) {
         failure_ = std::current_exception();

@@ -8,13 +8,13 @@ namespace vexa::tool {
 namespace {
 
 constexpr TransferFormat kFormats[] = {
-    {VEXA_TRANSFER_8BIT, "8bit", 2},        {VEXA_TRANSFER_10BIT, "10bit", 4},
-    {VEXA_TRANSFER_12BIT, "12bit", 4},      {VEXA_TRANSFER_14BIT, "14bit", 4},
-    {VEXA_TRANSFER_16BIT, "16bit", 4},      {VEXA_TRANSFER_8BIT_B, "8bit-b", 2},
-    {VEXA_TRANSFER_10BIT_B, "10bit-b", 4},  {VEXA_TRANSFER_12BIT_B, "12bit-b", 4},
-    {VEXA_TRANSFER_14BIT_B, "14bit-b", 4},  {VEXA_TRANSFER_16BIT_B, "16bit-b", 4},
-    {VEXA_TRANSFER_BGR24, "bgr24", 6},      {VEXA_TRANSFER_BGR30, "bgr30", 8},
-    {VEXA_TRANSFER_YUV411, "yuv411", 3},    {VEXA_TRANSFER_YUV422, "yuv422", 4},
+    {VEXA_TRANSFER_8BIT, "8bit", 2},       {VEXA_TRANSFER_10BIT, "10bit", 4},
+    {VEXA_TRANSFER_12BIT, "12bit", 4},     {VEXA_TRANSFER_14BIT, "14bit", 4},
+    {VEXA_TRANSFER_16BIT, "16bit", 4},     {VEXA_TRANSFER_8BIT_B, "8bit-b", 2},
+    {VEXA_TRANSFER_10BIT_B, "10bit-b", 4}, {VEXA_TRANSFER_12BIT_B, "12bit-b", 4},
+    {VEXA_TRANSFER_14BIT_B, "14bit-b", 4}, {VEXA_TRANSFER_16BIT_B, "16bit-b", 4},
+    {VEXA_TRANSFER_BGR24, "bgr24", 6},     {VEXA_TRANSFER_BGR30, "bgr30", 8},
+    {VEXA_TRANSFER_YUV411, "yuv411", 3},   {VEXA_TRANSFER_YUV422, "yuv422", 4},
     {VEXA_TRANSFER_YUV444, "yuv444", 6},
 };
 
@@ -33,20 +33,13 @@ constexpr NamedCode kColorArrays[] = {
 constexpr NamedCode kSpeeds[] = {{0, "full speed"}, {1, "high speed"}, {2, "SuperSpeed"}};
 
 constexpr NamedCode kFunctions[] = {
-    {1, "software sub-trigger"},
-    {5, "LED"},
-    {20, "measured frame rate"},
-    {21, "vertical blanking"},
-    {22, "horizontal mirror"},
-    {23, "vertical mirror"},
-    {24, "hardware white balance"},
-    {25, "automatic gain"},
-    {26, "automatic exposure"},
-    {48, "own timing limits"},
-    {55, "digital clamp"},
-    {57, "camera gamma"},
-    {59, "defect pixel correction"},
-    {61, "binning sum mode"},
+    {1, "software sub-trigger"},     {5, "LED"},
+    {20, "measured frame rate"},     {21, "vertical blanking"},
+    {22, "horizontal mirror"},       {23, "vertical mirror"},
+    {24, "hardware white balance"},  {25, "automatic gain"},
+    {26, "automatic exposure"},      {48, "own timing limits"},
+    {55, "digital clamp"},           {57, "camera gamma"},
+    {59, "defect pixel correction"}, {61, "binning sum mode"},
     {259, "monochrome sensor"},
 };
 

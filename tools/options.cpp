@@ -16,8 +16,7 @@ namespace {
 
 constexpr std::uint32_t kMaxFrames = 1'000'000;
 
-constexpr const char* kMainFooter = R"(
-Examples:
+constexpr const char* kMainFooter = R"(Examples:
   vexa list
   vexa info --camera 1 --json
   vexa capture --output picture.bmp
@@ -37,19 +36,23 @@ program uses. Settings stay in the camera when the program ends. Ctrl-C ends a
 command in good order; a second one at once.
 "vexa COMMAND --help" explains a command.)";
 
-constexpr const char* kCaptureFooter = R"(
-File names: %d or %04d is the place of the frame's index, from 1; %% is a percent
+constexpr const char* kCaptureFooter =
+    R"(File names: %d or %04d is the place of the frame's index, from 1; %% is a percent
 sign. Several frames without a place get "-0001" and so on before the extension.
 The extension chooses the file type: .bmp a picture, .raw the frame's bytes as the
 camera sends them. Frames deeper than 8 bits and YUV frames need .raw. Saving runs
 beside the camera; frames that find no free buffer are not saved, and counted.
 
+Methods: none (grey), mosaic, nearest, bilinear, four-tap, cell-centred.
+
+"vexa info" shows the camera's scan modes and formats. Settings stay in the camera.
+The longest wait is 5 seconds, or three frame periods where that is longer.
+
 Examples:
   vexa capture --output picture.bmp --method four-tap
   vexa capture --frames 100 --roi 0,0,640,480 --output run/frame-%04d.bmp)";
 
-constexpr const char* kStatsFooter = R"(
-Measured:
+constexpr const char* kStatsFooter = R"(Measured:
   frames/s, MB/s   from the first frame to the last; 1 MB is 10^6 bytes of image
   lost frames      gaps in the camera's frame numbers
   interval         time from one frame's callback to the next frame's; intervals
@@ -115,28 +118,25 @@ void AddSettingOptions(CLI::App& app, SettingOptions& settings) {
       app, "--roi", [&settings](const std::string& text) { settings.region = ParseRegion(text); },
       "Region of interest in pixels")
       ->type_name("X,Y,W,H");
-  app.add_option("--scan-mode", settings.scan_mode,
-                 "Scan mode code, such as 0x0001 (\"vexa info\" lists the camera's)")
+  app.add_option("--scan-mode", settings.scan_mode, "Scan mode code, such as 0x0001")
       ->type_name("M");
   AddParsed(
       app, "--format",
       [&settings](const std::string& text) {
         settings.format = ParseTransferFormat(text);
         if (!settings.format) {
-          throw std::invalid_argument("\"" + text +
-                                      "\" is no transfer format; known: " + TransferFormatNames(~0u));
+          throw std::invalid_argument(
+              "\"" + text + "\" is no transfer format; known: " + TransferFormatNames(~0u));
         }
       },
-      "Transfer format: 8bit, 12bit, bgr24, ... or its code, such as 0x0001")
+      "Transfer format: 8bit, 12bit, bgr24 ... or its code")
       ->type_name("CODE");
 }
 
 void AddStreamOptions(CLI::App& app, StreamOptions& options) {
   AddCameraOption(app, options.camera);
   AddSettingOptions(app, options.settings);
-  app.add_option("--timeout", options.timeout_s,
-                 "Seconds to wait for a frame; 0 waits without limit (default 5, or three frame "
-                 "periods where that is longer)")
+  app.add_option("--timeout", options.timeout_s, "Longest wait for a frame in seconds, 0: no limit")
       ->type_name("S")
       ->check(NumberIn(0, 86400).description(""));
   app.add_flag("-q,--quiet", options.quiet, "No progress");
@@ -156,7 +156,7 @@ void AddMethodOption(CLI::App& app, CaptureOptions& options) {
         }
         throw std::invalid_argument("\"" + text + "\" is no method; known: " + known);
       },
-      "Colour interpolation: none, mosaic, nearest, bilinear (default), four-tap, cell-centred")
+      "Colour interpolation (default bilinear)")
       ->type_name("NAME");
 }
 
@@ -181,6 +181,19 @@ void AddStats(CLI::App& app, StatsOptions& options) {
   app.footer(kStatsFooter);
 }
 
+/** A usage error with where to read on. @param app the whole program. */
+std::string UsageText(const CLI::App* app, const CLI::Error& error) {
+  const std::vector<CLI::App*> commands = app->get_subcommands();
+  if (!commands.empty()) {
+    return std::string("vexa: ") + error.what() + "\n  \"vexa " + commands.front()->get_name() +
+           " --help\" explains the options.\n";
+  }
+  const std::vector<std::string> rest = app->remaining();
+  return "vexa: " + (rest.empty() ? "" : "\"" + rest.front() + "\" is not understood: ") +
+         "a command is required\n  It is list, info, capture or stats; \"vexa --help\" explains "
+         "them.\n";
+}
+
 Answer AnswerOf(const CLI::App& app, const CLI::Error& error) {
   std::ostringstream output;
   std::ostringstream errors;
@@ -196,6 +209,7 @@ ParsedArguments ParseArguments(const std::vector<std::string>& arguments,
   app.footer(kMainFooter);
   app.set_version_flag("--version", version, "Print the version of the library and exit");
   app.require_subcommand(1);
+  app.failure_message(UsageText);
   app.get_formatter()->column_width(28);
 
   ListOptions list;

@@ -99,8 +99,7 @@ OutputPattern::OutputPattern(const std::string& pattern, std::uint32_t frames) :
 }
 
 std::filesystem::path OutputPattern::PathOf(std::uint32_t index) const {
-  return PathFromUtf8(digits_ == 0 ? before_
-                                   : before_ + Format("%0*u", digits_, index) + after_);
+  return PathFromUtf8(digits_ == 0 ? before_ : before_ + Format("%0*u", digits_, index) + after_);
 }
 
 std::optional<std::filesystem::path> OutputPattern::FirstExisting() const {

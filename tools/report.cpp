@@ -7,8 +7,9 @@ namespace {
 
 /** Characters of UTF-8 text, as far as one code point is one column. */
 std::size_t Columns(const std::string& text) {
-  return static_cast<std::size_t>(std::count_if(
-      text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+  }));
 }
 
 std::string Padded(const std::string& text, std::size_t columns) {
@@ -40,6 +41,9 @@ std::string ToText(const std::vector<Section>& sections) {
   for (const Section& section : sections) {
     text += (text.empty() ? "" : "\n") + section.title + "\n";
     for (const Fact& fact : section.facts) {
+      if (fact.text.empty()) {
+        continue;
+      }
       text += "  " + Padded(fact.label, width) + "  " + fact.text + "\n";
     }
   }

@@ -10,7 +10,9 @@ namespace {
 
 void AppendUtf8(std::string& out, std::uint32_t code_point) {
   const auto append = [&out](std::uint32_t byte) { out.push_back(static_cast<char>(byte)); };
-  const auto continuation = [&](unsigned shift) { append(0x80u | ((code_point >> shift) & 0x3Fu)); };
+  const auto continuation = [&](unsigned shift) {
+    append(0x80u | ((code_point >> shift) & 0x3Fu));
+  };
   if (code_point < 0x80) {
     append(code_point);
   } else if (code_point < 0x800) {

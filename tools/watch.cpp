@@ -24,8 +24,8 @@ StreamEnd WatchStream(FrameStream& stream, Progress& progress, const WatchOption
     auto wait = std::chrono::milliseconds(kPollPeriod);
     if (options.run_s) {
       const double left = std::max(0.0, *options.run_s - SecondsSince(stream.start_time()));
-      wait = std::min(wait, std::chrono::milliseconds(static_cast<int>(
-                                std::min(left * 1e3, 1e3)) + 1));
+      wait = std::min(wait,
+                      std::chrono::milliseconds(static_cast<int>(std::min(left * 1e3, 1e3)) + 1));
     }
     const StreamCounts counts = stream.WaitFor(wait);
     progress.Update(counts, options.status ? options.status() : std::string());
@@ -41,8 +41,7 @@ StreamEnd WatchStream(FrameStream& stream, Progress& progress, const WatchOption
     if (options.run_s && SecondsSince(stream.start_time()) >= *options.run_s) {
       return counts.frames > 0 ? StreamEnd::kDone : StreamEnd::kTimeOut;
     }
-    const Clock::time_point latest =
-        counts.frames > 0 ? counts.last_arrival : stream.start_time();
+    const Clock::time_point latest = counts.frames > 0 ? counts.last_arrival : stream.start_time();
     if (options.timeout_s > 0 && SecondsSince(latest) >= options.timeout_s) {
       return StreamEnd::kTimeOut;
     }
@@ -67,8 +66,7 @@ ExitCode ExitCodeOf(StreamEnd end, const StreamCounts& counts) {
   if (end == StreamEnd::kDeviceGone) {
     return ExitCode::kFailure;
   }
-  const bool complete =
-      end != StreamEnd::kTimeOut && counts.lost == 0 && counts.ErrorTotal() == 0;
+  const bool complete = end != StreamEnd::kTimeOut && counts.lost == 0 && counts.ErrorTotal() == 0;
   return complete ? ExitCode::kSuccess : ExitCode::kIncomplete;
 }
 
@@ -83,7 +81,8 @@ std::string DescribeProblems(StreamEnd end, const StreamCounts& counts,
     text += counts.frames == 0 ? "vexa: no frame came"
                                : Format("vexa: no further frame came for %g s", timeout_s);
     text += (settings.trigger_mode & 0x3u) != 0
-                ? "\n  The camera waits for triggers (" + DescribeTriggerMode(settings.trigger_mode) +
+                ? "\n  The camera waits for triggers (" +
+                      DescribeTriggerMode(settings.trigger_mode) +
                       "): send them, or set free run.\n"
                 : "\n  Check the connection, or wait longer with --timeout; --exposure-ms sets a "
                   "shorter exposure.\n";

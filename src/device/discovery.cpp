@@ -12,23 +12,27 @@
 namespace vexa::device {
 namespace {
 
-// Tries to wake a camera that has not answered; true when it is worth asking it again.
-bool Recover(platform::Device& device, bool first_stage_done) {
+constexpr int kRecoveryStages = 2;
+
+// Tries to wake a camera that has not answered, with the stage after those already done; true when
+// it is worth asking it again.
+bool Recover(platform::Device& device, int stages_done) {
   DriverVersion version;
-  if (!GetDriverVersion(device, &version).ok() || !version.SupportsRecovery()) {
+  if (stages_done == kRecoveryStages || !GetDriverVersion(device, &version).ok() ||
+      !version.SupportsRecovery()) {
     return false;
   }
   // Whether the recovery helped shows in the retry, so its own result does not count.
-  static_cast<void>(RecoverCamera(device, first_stage_done));
-  return !first_stage_done;
+  static_cast<void>(RecoverCamera(device, stages_done > 0));
+  return true;
 }
 
 }  // namespace
 
 Status OpenFirstFreeCamera(platform::Driver& driver, ControlChannel& channel,
                            CameraIdentity& identity) {
-  bool recovering = false;
-  for (std::uint32_t index = 0;; index += recovering ? 0 : 1) {
+  int stages_done = 0;  // of the recovery of the camera at index
+  for (std::uint32_t index = 0;; index += stages_done == 0 ? 1 : 0) {
     std::u16string path;
     const Status listed = driver.InterfacePath(index, &path);
     if (!listed.ok()) {
@@ -36,14 +40,14 @@ Status OpenFirstFreeCamera(platform::Driver& driver, ControlChannel& channel,
     }
     std::unique_ptr<platform::Device> device;
     if (!driver.Open(path, &device).ok() || !IsOnlyHandle(*device)) {
-      recovering = false;
+      stages_done = 0;
       continue;
     }
     channel.Attach(std::move(device));
     if (identity.Read(channel).ok()) {
       return {};
     }
-    recovering = Recover(channel.device(), recovering);
+    stages_done = Recover(channel.device(), stages_done) ? stages_done + 1 : 0;
     channel.Detach();
   }
 }

@@ -63,7 +63,7 @@ class Strip {
     const auto near_border = [&](std::size_t x) {
       const bool has_own = (x & 1) == parity;
       (has_own ? own : green)[x - x_] = row[x];
-      (has_own ? green : own)[x - x_] = NearBorder(row, x);
+      (has_own ? green : own)[x - x_] = MeanBeside(row, x);
     };
     for (std::size_t x = x_; x < first; ++x) {
       near_border(x);
@@ -77,7 +77,8 @@ class Strip {
     }
   }
 
-  Sample NearBorder(const Sample* row, std::size_t x) const {
+  /// The mean of the two neighbours, of which the ends of the row have one.
+  Sample MeanBeside(const Sample* row, std::size_t x) const {
     const std::size_t left = x == 0 ? 1 : x - 1;
     const std::size_t right = x == frame_.width - 1 ? frame_.width - 2 : x + 1;
     return static_cast<Sample>((row[left] + row[right]) >> 1);
@@ -102,7 +103,7 @@ void DemosaicSeparable(const BayerFrame& frame, const BgrImage& image, const Row
     for (std::size_t y = 0; y < frame.height; ++y) {
       strip.Advance(y);
       Sample* other = strip.Other(y);
-      if (border_from_below && y > 0 && y < frame.height - 1) {
+      if (border_from_below && y < frame.height - 1) {
         if (x == 0) {
           other[0] = strip.Own(y + 1)[0];
         }

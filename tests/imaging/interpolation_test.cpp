@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "imaging/color_array.hpp"
+#include "imaging/demosaic.hpp"
 #include "imaging/kernels/weight_tables.hpp"
 
 namespace vexa::imaging {
@@ -165,7 +166,7 @@ InterpolationRequest Request(int w, int h, int array, int method, unsigned forma
 /// allocation and starts at any address, the image lies unaligned between guard bytes.
 void CheckFrame(int w, int h, unsigned kind) {
   const auto pixels = static_cast<std::size_t>(w * h);
-  const std::size_t shift = kind % 4;
+  const auto shift = static_cast<std::size_t>(w + h) % 4;
   Bytes source = Frame(pixels + shift, kind);
   const Bytes untouched = Noise(kGuard * 2 + shift + pixels * 4, kind + 1);
   const std::uint8_t* samples = source.data() + shift;
@@ -215,10 +216,12 @@ TEST(Interpolation, EveryMethodFollowsItsRulesOnAllSmallSizes) {
 }
 
 TEST(Interpolation, EveryMethodFollowsItsRulesAcrossVectorsAndStrips) {
-  const std::pair<int, int> sizes[] = {{67, 35},  {64, 32},   {98, 11},  {131, 6},
-                                       {1024, 7}, {1025, 10}, {1026, 8}, {2592, 9}};
+  constexpr int kStrip = kStripWidth;
+  const std::pair<int, int> sizes[] = {{67, 35},         {64, 32},        {98, 11},
+                                       {131, 6},         {2592, 9},       {kStrip, 7},
+                                       {kStrip + 1, 10}, {kStrip + 2, 8}, {2 * kStrip + 3, 7}};
   for (const auto& [w, h] : sizes) {
-    for (unsigned kind = 0; kind < 4; ++kind) {
+    for (unsigned kind = 0; kind < 2; ++kind) {
       ASSERT_NO_FATAL_FAILURE(CheckFrame(w, h, kind));
     }
   }

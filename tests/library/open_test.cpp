@@ -9,11 +9,11 @@
 namespace vexa::test {
 namespace {
 
-using ::testing::ElementsAre;
 using platform::ControlCode;
 using simulator::CameraConfig;
 using simulator::ForProduct;
 using simulator::Wakes;
+using ::testing::ElementsAre;
 
 class OpenTest : public CameraTest {};
 
@@ -98,7 +98,7 @@ TEST_F(OpenTest, RecoversACameraThatDoesNotAnswerTwice) {
 
 TEST_F(OpenTest, FailureInTheSettingsClosesTheDeviceAgain) {
   const auto twin = Plug();
-  for (const std::uint8_t request : {0x12, 0x13}) {
+  for (const std::uint8_t request : std::array<std::uint8_t, 2>{0x12, 0x13}) {
     twin->FailControl({.request = request}, 121, 1);
     EXPECT_EQ(Vexa_Open(), INVALID_HANDLE_VALUE);
     EXPECT_EQ(GetLastError(), 121U);
@@ -114,17 +114,17 @@ TEST_F(OpenTest, CapabilitiesFollowMaskAndModel) {
     BOOL present;
   };
   const Case cases[] = {
-      {0x0705, 0, 2, ~0ULL, 7, 1},      {0x0705, 0, 2, ~0ULL, 22, 0},  // no register access
-      {0x0705, 0, 1, ~0ULL, 256, 0},    {0x0110, 0, 2, 1, 0, 1},
-      {0x0110, 0, 2, 0, 0, 0},          {0x0111, 0, 2, 1, 0, 0},
-      {0x0906, 0x000F, 2, 0, 1, 1},     {0x0906, 0x0010, 2, 0, 1, 0},
-      {0x0510, 0x000F, 2, 0, 1, 0},     {0x0510, 0, 2, 2, 1, 1},
-      {0x0906, 0x0010, 2, 0, 2, 1},     {0x0906, 0x0010, 2, 0, 6, 1},
-      {0x0906, 0x000F, 2, 0, 6, 0},     {0x0510, 0, 2, 1ULL << 63, 63, 1},
-      {0x0510, 0, 2, ~0ULL, 64, 0},     {0x0510, 0, 2, ~0ULL, 1000, 0},
-      {0x0510, 0, 2, 0, 256, 1},        {0x0510, 0, 2, 0, 261, 1},
-      {0x0510, 0, 1, 0, 259, 1},        {0x0510, 0, 2, ~0ULL, 259, 0},
-      {0x0510, 0, 2, 0x10000, 16, 1},   {0x0510, 0, 2, 0x10000, 17, 0},
+      {0x0705, 0, 2, ~0ULL, 7, 1},    {0x0705, 0, 2, ~0ULL, 22, 0},  // no register access
+      {0x0705, 0, 1, ~0ULL, 256, 0},  {0x0110, 0, 2, 1, 0, 1},
+      {0x0110, 0, 2, 0, 0, 0},        {0x0111, 0, 2, 1, 0, 0},
+      {0x0906, 0x000F, 2, 0, 1, 1},   {0x0906, 0x0010, 2, 0, 1, 0},
+      {0x0510, 0x000F, 2, 0, 1, 0},   {0x0510, 0, 2, 2, 1, 1},
+      {0x0906, 0x0010, 2, 0, 2, 1},   {0x0906, 0x0010, 2, 0, 6, 1},
+      {0x0906, 0x000F, 2, 0, 6, 0},   {0x0510, 0, 2, 1ULL << 63, 63, 1},
+      {0x0510, 0, 2, ~0ULL, 64, 0},   {0x0510, 0, 2, ~0ULL, 1000, 0},
+      {0x0510, 0, 2, 0, 256, 1},      {0x0510, 0, 2, 0, 261, 1},
+      {0x0510, 0, 1, 0, 259, 1},      {0x0510, 0, 2, ~0ULL, 259, 0},
+      {0x0510, 0, 2, 0x10000, 16, 1}, {0x0510, 0, 2, 0x10000, 17, 0},
   };
   for (const Case& test : cases) {
     CameraConfig config = ForProduct(test.product);
@@ -135,9 +135,8 @@ TEST_F(OpenTest, CapabilitiesFollowMaskAndModel) {
     HANDLE camera = Open();
     BOOL present = -1;
     EXPECT_TRUE(Vexa_HasFunction(camera, test.function, &present));
-    EXPECT_EQ(present, test.present)
-        << std::hex << test.product << " variant " << test.variant << " function " << std::dec
-        << test.function;
+    EXPECT_EQ(present, test.present) << std::hex << test.product << " variant " << test.variant
+                                     << " function " << std::dec << test.function;
     Close(camera);
     bus_.Remove(twin);
   }
@@ -198,7 +197,8 @@ TEST_F(OpenTest, UsbSpeedFollowsTheFirstBulkInEndpoint) {
       {descriptor({{0x81, 2, 0x41, 0}}), 1},
       {descriptor({{0x81, 2, 0x00, 2}}), 1},
       {descriptor({{0x81, 2, 0x00, 4}}), 2},
-      {descriptor({{0x02, 2, 0, 4}, {0x81, 3, 0, 4}, {0x83, 2, 0, 2}}), 1},  // bulk out, interrupt in
+      {descriptor({{0x02, 2, 0, 4}, {0x81, 3, 0, 4}, {0x83, 2, 0, 2}}),
+       1},  // bulk out, interrupt in
       {descriptor({{0x02, 2, 0, 4}}), 0},
       {std::vector<std::uint8_t>(9), 1},
       {std::vector<std::uint8_t>(10), 0},
@@ -226,9 +226,15 @@ TEST_F(OpenTest, TransferSizeLimit) {
     std::uint32_t configured, os_major, limit;
   };
   constexpr Case kCases[] = {
-      {0, 5, 0x300000},          {0, 6, 0x80000},           {511, 6, 0x80000},
-      {1000, 6, 4096},           {0x7FFFFFFF, 5, 0x300000}, {0x7FFFFFFF, 10, 0x80000},
-      {0x80000 + 100, 6, 0x80000}, {0x12345, 6, 0x12200},   {0x200000, 5, 0x200000},
+      {0, 5, 0x300000},
+      {0, 6, 0x80000},
+      {511, 6, 0x80000},
+      {1000, 6, 4096},
+      {0x7FFFFFFF, 5, 0x300000},
+      {0x7FFFFFFF, 10, 0x80000},
+      {0x80000 + 100, 6, 0x80000},
+      {0x12345, 6, 0x12200},
+      {0x200000, 5, 0x200000},
   };
   for (const Case& test : kCases) {
     EXPECT_EQ(device::LimitTransferSize(test.configured, test.os_major), test.limit)
@@ -285,9 +291,8 @@ TEST_F(OpenTest, CameraSettingNeedsFirmwareAndReloads) {
   HANDLE second = Open();
   recent->ClearLog();
   EXPECT_TRUE(Vexa_CameraSetting(second, 0x0201));
-  EXPECT_THAT(Wire(*recent),
-              ElementsAre("40 81 0000 0000 [01 02]", "C0 80 00BF 0000 +2", "C0 12 0000 0000 +64",
-                          "C0 13 0000 0000 +6"));
+  EXPECT_THAT(Wire(*recent), ElementsAre("40 81 0000 0000 [01 02]", "C0 80 00BF 0000 +2",
+                                         "C0 12 0000 0000 +64", "C0 13 0000 0000 +6"));
 }
 
 TEST_F(OpenTest, VersionNeedsNoCamera) {

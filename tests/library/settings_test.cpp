@@ -12,9 +12,9 @@
 namespace vexa::test {
 namespace {
 
-using ::testing::ElementsAre;
 using simulator::CameraConfig;
 using simulator::ForProduct;
+using ::testing::ElementsAre;
 using Lines = std::vector<std::string>;
 
 class SettingsTest : public CameraTest {
@@ -22,7 +22,8 @@ class SettingsTest : public CameraTest {
   // A camera with every capability.
   HANDLE OpenComplete(std::uint16_t product_id = 0x0510) {
     CameraConfig config = ForProduct(product_id);
-    config.capabilities = ~std::uint64_t{1ULL << 48 | 1ULL << 20};  // the host computes limits, rate
+    config.capabilities =
+        ~std::uint64_t{1ULL << 48 | 1ULL << 20};  // the host computes limits, rate
     config.transfer_formats = 0x0007;
     twin_ = Plug(config);
     HANDLE camera = Open();
@@ -65,9 +66,11 @@ TEST_F(SettingsTest, RequestsOnTheWire) {
          return Vexa_SetFPGAData(camera, 16, 3, 4, data.data());
        },
        {"40 80 0003 0010 [11 22 33 44]"}},
-      {"JBA", [&] { return Vexa_GetJBARegister(camera, 127, 127, data.data()); },
+      {"JBA",
+       [&] { return Vexa_GetJBARegister(camera, 127, 127, data.data()); },
        {"C0 80 00FF 004C +2"}},
-      {"IOA", [&] { return Vexa_GetIOARegister(camera, 0, 1, data.data()); },
+      {"IOA",
+       [&] { return Vexa_GetIOARegister(camera, 0, 1, data.data()); },
        {"C0 80 0080 0010 +4"}},
       {"ITA",
        [&] {
@@ -75,11 +78,11 @@ TEST_F(SettingsTest, RequestsOnTheWire) {
          return Vexa_SetITARegister(camera, 9, 9, data.data());
        },
        {"40 80 0009 0020 [AA BB]"}},
-      {"reset, two bits", [&] { return Vexa_ResetCamera(camera, 7); },
-       {"40 80 0050 0000 [30 00]"}},
+      {"reset, two bits", [&] { return Vexa_ResetCamera(camera, 7); }, {"40 80 0050 0000 [30 00]"}},
       {"reset counter", [&] { return Vexa_ResetCounter(camera); }, {"40 80 0050 0000 [03 00]"}},
       {"clear", [&] { return Vexa_ClearBuffer(camera); }, {"40 20 0000 0000 []"}},
-      {"clock", [&] { return Vexa_SetClock(camera, 1, 0x02625A00); },
+      {"clock",
+       [&] { return Vexa_SetClock(camera, 1, 0x02625A00); },
        {"40 22 0000 0000 [0A 22 01 00 00 00 00 5A 62 02]"}},
       {"skipping and binning", [&] { return Vexa_SetSkippingAndBinning(camera, 1, 2, 3, 4); },
        then({"40 80 0021 0000 [24 13]", "40 80 0050 0000 [01 00]"}, kRefresh)},
@@ -99,22 +102,28 @@ TEST_F(SettingsTest, RequestsOnTheWire) {
       {"format, unsupported bits dropped",
        [&] { return Vexa_SetTransferBitsPerPixel(camera, 0x0402); },
        {"40 13 0000 0000 [06 13 02 00 00 00]"}},
-      {"mirror", [&] { return Vexa_SetMirrorMode(camera, 0xF0); },
+      {"mirror",
+       [&] { return Vexa_SetMirrorMode(camera, 0xF0); },
        {"40 80 003F 0000 [03 00]", "40 80 0050 0000 [01 00]"}},
-      {"trigger mode", [&] { return Vexa_SetTriggerMode(camera, 0x00012401); },
+      {"trigger mode",
+       [&] { return Vexa_SetTriggerMode(camera, 0x00012401); },
        {"40 80 8030 0000 [01 24 01 00]", "40 20 0000 0000 []"}},
       {"trigger mode back",
        [&] { return Vexa_GetTriggerMode(camera, &value) && value == 0x12401 ? TRUE : FALSE; },
        {"C0 80 0030 0000 +4"}},
-      {"timing", [&] { return Vexa_SetTriggerTiming(camera, 5, 0x01020304); },
+      {"timing",
+       [&] { return Vexa_SetTriggerTiming(camera, 5, 0x01020304); },
        {"40 80 803C 0000 [04 03 02 01]"}},
-      {"timing back", [&] { return Vexa_GetTriggerTiming(camera, 0, &value); },
+      {"timing back",
+       [&] { return Vexa_GetTriggerTiming(camera, 0, &value); },
        {"C0 80 0032 0000 +4"}},
-      {"direction", [&] { return Vexa_SetIOPinDirection(camera, 0x70003); },
+      {"direction",
+       [&] { return Vexa_SetIOPinDirection(camera, 0x70003); },
        {"40 80 8000 0000 [03 00]"}},
       {"polarity", [&] { return Vexa_SetIOPinPolarity(camera, 1); }, {"40 80 8001 0000 [01 00]"}},
       {"pins", [&] { return Vexa_SetIOPinStatus(camera, 4); }, {"40 80 8002 0000 [04 00]"}},
-      {"pin mode, low byte of the pin", [&] { return Vexa_SetIOPinMode(camera, 0x3102, 9); },
+      {"pin mode, low byte of the pin",
+       [&] { return Vexa_SetIOPinMode(camera, 0x3102, 9); },
        {"40 80 8006 0000 [09 00]"}},
       {"pin mode back",
        [&] { return Vexa_GetIOPinMode(camera, 2, &value) && value == 9 ? TRUE : FALSE; },
@@ -141,9 +150,9 @@ TEST_F(SettingsTest, LargeRequestsFollowTheRecordRules) {
     WORD length;
     std::size_t record, output;
   };
-  for (const Case& test : {Case{0xC0, 64, 12, 512}, Case{0x40, 511, 523, 512},
-                           Case{0x40, 512, 524, 1024}, Case{0xC0, 1000, 12, 1024},
-                           Case{0xC0, 1024, 12, 1536}}) {
+  for (const Case& test :
+       {Case{0xC0, 64, 12, 512}, Case{0x40, 511, 523, 512}, Case{0x40, 512, 524, 1024},
+        Case{0xC0, 1000, 12, 1024}, Case{0xC0, 1024, 12, 1536}}) {
     twin_->ClearLog();
     Vexa_VendorRequest(camera, test.type, 0xA0, 0, 0, test.length, data.data(), nullptr);
     ASSERT_EQ(twin_->Log().size(), 1U);
@@ -176,8 +185,7 @@ TEST_F(SettingsTest, RefusesWithoutSending) {
       {"legacy registers", [&] { return Vexa_GetFPGAData(legacy, 0, 1, 1, data); }},
       {"legacy reset", [&] { return Vexa_ResetCamera(legacy, 0); }},
       {"legacy trigger mode", [&] { return Vexa_SetTriggerMode(legacy, 0); }},
-      {"legacy binning",
-       [&] { return Vexa_SetSkippingAndBinning(legacy, 0, 0, 0, 0); }},
+      {"legacy binning", [&] { return Vexa_SetSkippingAndBinning(legacy, 0, 0, 0, 0); }},
       {"sub-trigger source", [&] { return Vexa_SetTriggerMode(camera, 0x2001); }},
       {"timing 6", [&] { return Vexa_SetTriggerTiming(camera, 6, 0); }},
       {"timing 6 back", [&] { return Vexa_GetTriggerTiming(camera, 6, &value); }},
@@ -249,7 +257,7 @@ TEST_F(SettingsTest, ScanModeAndExposureLimits) {
   EXPECT_TRUE(Vexa_SetScanMode(camera, 1, 16, 8, 640, 480));
   const Lines wire = Wire(*twin_);
   ASSERT_EQ(wire.size(), 2U);
-  EXPECT_EQ(wire[0].substr(0, 92),
+  EXPECT_EQ(wire[0].substr(0, 91),
             "40 12 0000 0000 [40 12 53 43 56 31 80 02 00 00 E0 01 00 00 10 00 00 00 08 00 00 00 "
             "01 00 00");
   WORD lines = 0, clocks = 0;
@@ -273,7 +281,6 @@ TEST_F(SettingsTest, ExposureTravelsAsLinesAndRemainder) {
   DWORD shutter = 0;
   ASSERT_TRUE(Vexa_GetShutterMaxClock(camera, &shutter));
   const DWORD line = shutter + 1;
-  std::array<BYTE, 64> block{};
   std::array<BYTE, 64> before{};
   ASSERT_TRUE(Vexa_VendorRequest(camera, 0xC0, 0x21, 0, 0, 64, before.data(), nullptr));
   const DWORD exposure = 70000 * line + 500;  // more lines than 16 bits hold
@@ -359,8 +366,8 @@ TEST_F(SettingsTest, ExposureOfTheLargeSensorsCountsBinnedLines) {
     const double period = 2 * std::max(std::floor(width / 2.0) + test.blanking, 346 * test.k + 486);
     const double offset = 416 * test.k + 426;
     EXPECT_TRUE(Vexa_GetExposureClockFromTime(camera, 0.01F, &clock));
-    EXPECT_EQ(clock, static_cast<DWORD>(static_cast<float>(
-                         (frequency * double(0.01F) + offset) / period)));
+    EXPECT_EQ(clock, static_cast<DWORD>(
+                         static_cast<float>((frequency * double(0.01F) + offset) / period)));
     EXPECT_TRUE(Vexa_GetExposureTimeFromClock(camera, clock, &seconds));
     EXPECT_FLOAT_EQ(seconds, static_cast<float>((period * clock - offset) / frequency));
   }
@@ -377,12 +384,12 @@ TEST_F(SettingsTest, FrameRateMeasuredByTheCamera) {
   float fps = 0;
   EXPECT_TRUE(Vexa_GetOutputFPS(camera, &fps));
   EXPECT_THAT(Wire(*twin), ElementsAre("C0 80 00D6 0000 +4"));
-  EXPECT_EQ(fps, static_cast<float>(twin->PeekRegister(0, 87) +
-                                    twin->PeekRegister(0, 86) / 65536.0));
+  EXPECT_EQ(fps,
+            static_cast<float>(twin->PeekRegister(0, 87) + twin->PeekRegister(0, 86) / 65536.0));
 }
 
 TEST_F(SettingsTest, ColourArrayFollowsTheMirror) {
-  for (const std::uint16_t sensor : {1, 2, 3, 4, 5}) {
+  for (std::uint16_t sensor = 1; sensor <= 5; ++sensor) {
     CameraConfig config = ForProduct(0x0510);
     config.colour_array = sensor;
     const auto twin = Plug(config);
@@ -436,10 +443,23 @@ TEST_F(SettingsTest, FrameSizes) {
     std::uint32_t code;
     double factor;
   };
-  for (const Format& format :
-       {Format{0x0001, 1}, {0x0002, 2}, {0x0004, 2}, {0x0008, 2}, {0x0010, 2}, {0x0020, 1},
-        {0x0040, 2}, {0x0080, 2}, {0x0100, 2}, {0x0200, 2}, {0x0400, 3}, {0x0800, 4},
-        {0x1000, 1.5}, {0x2000, 2}, {0x4000, 3}, {0x8000, 1}, {0x0003, 1}}) {
+  for (const Format& format : {Format{0x0001, 1},
+                               {0x0002, 2},
+                               {0x0004, 2},
+                               {0x0008, 2},
+                               {0x0010, 2},
+                               {0x0020, 1},
+                               {0x0040, 2},
+                               {0x0080, 2},
+                               {0x0100, 2},
+                               {0x0200, 2},
+                               {0x0400, 3},
+                               {0x0800, 4},
+                               {0x1000, 1.5},
+                               {0x2000, 2},
+                               {0x4000, 3},
+                               {0x8000, 1},
+                               {0x0003, 1}}) {
     EXPECT_EQ(transfer::ImageSize(format.code, 64, 48), 64 * 48 * format.factor) << format.code;
   }
   EXPECT_EQ(transfer::ImageSize(0x1000, 3, 3), 13U);
@@ -460,9 +480,8 @@ TEST_F(SettingsTest, FrameSizes) {
     EXPECT_EQ(layout.buffer, test.buffer);
     EXPECT_EQ(layout.read_length, test.read);
   }
-  EXPECT_THROW(
-      static_cast<void>(transfer::MakeFrameLayout(64, ~0ULL / 2, UsbSpeed::kHigh, 4096)),
-      std::bad_alloc);
+  EXPECT_THROW(static_cast<void>(transfer::MakeFrameLayout(64, ~0ULL / 2, UsbSpeed::kHigh, 4096)),
+               std::bad_alloc);
   EXPECT_EQ(transfer::CombineTimeOuts(1000, 5000), 6000U);
   EXPECT_EQ(transfer::CombineTimeOuts(0xFFFFFFF0, 0x20), 0xFFFFFFFEU);
   EXPECT_EQ(transfer::CombineTimeOuts(0xFFFFFFF0, 0x0F), 0xFFFFFFFEU);

@@ -40,7 +40,8 @@ class FrameCollector {
                                    .height = frame.height,
                                    .color_array = frame.color_array},
                                   frame.pixels);
-    (stored ? stored_ : unsaved_) += 1;
+    stored_ += stored ? 1 : 0;
+    unsaved_ += stored ? 0 : 1;
     return stored_ < wanted_;
   }
 
@@ -62,14 +63,18 @@ std::string Summary(const CaptureOptions& options, const OutputPattern& pattern,
     text += ": " + Utf8FromPath(pattern.PathOf(1));
     text += saved > 1 ? " to " + Utf8FromPath(pattern.PathOf(saved)) : "";
   }
-  return text + Format("\n%.2f frames/s, %.2f MB/s, %ju lost, %ju receive error(s)\n",
-                       counts.FramesPerSecond(), counts.MegabytesPerSecond(),
-                       std::uintmax_t{counts.lost}, std::uintmax_t{counts.ErrorTotal()});
+  text += "\n";
+  if (counts.frames > 1) {
+    text +=
+        Format("%.2f frames/s, %.2f MB/s, ", counts.FramesPerSecond(), counts.MegabytesPerSecond());
+  }
+  return text + Format("%ju lost, %ju receive error(s)\n", std::uintmax_t{counts.lost},
+                       std::uintmax_t{counts.ErrorTotal()});
 }
 
 std::size_t BufferCount(std::uint64_t frame_bytes, std::uint32_t frames) {
-  const std::uint64_t fitting = std::max(kLeastBuffers, kPoolBytes / std::max<std::uint64_t>(
-                                                            frame_bytes, 1));
+  const std::uint64_t fitting =
+      std::max(kLeastBuffers, kPoolBytes / std::max<std::uint64_t>(frame_bytes, 1));
   return static_cast<std::size_t>(std::min<std::uint64_t>(fitting, frames));
 }
 
@@ -90,9 +95,10 @@ ExitCode Conclude(StreamEnd end, const StreamCounts& counts, const FrameSettings
   std::string problems = DescribeProblems(end, counts, settings, timeout_s);
   ExitCode code = ExitCodeOf(end, counts);
   if (unsaved > 0) {
-    problems += Format("vexa: %u frame(s) between the saved ones were not saved: the disk is too "
-                       "slow\n  Use a faster disk, a smaller --roi, or a slower frame rate.\n",
-                       unsaved);
+    problems += Format(
+        "vexa: %u frame(s) between the saved ones were not saved: the disk is too "
+        "slow\n  Use a faster disk, a smaller --roi, or a slower frame rate.\n",
+        unsaved);
     code = code == ExitCode::kSuccess ? ExitCode::kIncomplete : code;
   }
   if (end == StreamEnd::kInterrupted) {

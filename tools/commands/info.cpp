@@ -41,20 +41,20 @@ std::uint32_t ReadNumber(const Camera& camera, const char* name,
 
 Section IdentitySection(const Camera& camera) {
   const Identity identity = ReadIdentity(camera);
-  return {"identity",
-          "Identity",
-          {{"model", "Model", identity.model, identity.model},
-           HexFact("product_id", "Product ID", identity.product_id),
-           HexFact("variant", "Variant", identity.variant),
-           HexFact("version", "Version word", identity.version),
-           HexFact("firmware", "Firmware", identity.firmware),
-           {"max_width", "Largest width", identity.max_width, Format("%u px", identity.max_width)},
-           {"max_height", "Largest height", identity.max_height,
-            Format("%u px", identity.max_height)},
-           {"color_array", "Colour array", ColorArrayName(identity.color_array),
-            ColorArrayName(identity.color_array)},
-           {"usb_speed", "USB speed", UsbSpeedName(identity.usb_speed),
-            UsbSpeedName(identity.usb_speed)}}};
+  return {
+      "identity",
+      "Identity",
+      {{"model", "Model", identity.model, identity.model},
+       HexFact("product_id", "Product ID", identity.product_id),
+       HexFact("variant", "Variant", identity.variant),
+       HexFact("version", "Version word", identity.version),
+       HexFact("firmware", "Firmware", identity.firmware),
+       {"max_width", "Largest width", identity.max_width, Format("%u px", identity.max_width)},
+       {"max_height", "Largest height", identity.max_height, Format("%u px", identity.max_height)},
+       {"color_array", "Colour array", ColorArrayName(identity.color_array),
+        ColorArrayName(identity.color_array)},
+       {"usb_speed", "USB speed", UsbSpeedName(identity.usb_speed),
+        UsbSpeedName(identity.usb_speed)}}};
 }
 
 Section CapabilitySection(const Camera& camera) {
@@ -100,17 +100,16 @@ Section GeometrySection(const Camera& camera, const FrameSettings& settings) {
   BYTE vertical_skipping = 0;
   BYTE horizontal_binning = 0;
   BYTE vertical_binning = 0;
-  const bool readable = camera.TryCall(
-      "Vexa_GetSkippingAndBinning", Vexa_GetSkippingAndBinning, &horizontal_skipping,
-      &vertical_skipping, &horizontal_binning, &vertical_binning);
+  const bool readable =
+      camera.TryCall("Vexa_GetSkippingAndBinning", Vexa_GetSkippingAndBinning, &horizontal_skipping,
+                     &vertical_skipping, &horizontal_binning, &vertical_binning);
   const auto pair = [&](const char* key, const char* label, unsigned horizontal,
                         unsigned vertical) {
-    facts.push_back(readable
-                        ? Fact{key,
-                               label,
-                               {{"horizontal", horizontal}, {"vertical", vertical}},
-                               Format("%u horizontally, %u vertically", horizontal, vertical)}
-                        : Fact{key, label, nullptr, kAbsent});
+    facts.push_back(readable ? Fact{key,
+                                    label,
+                                    {{"horizontal", horizontal}, {"vertical", vertical}},
+                                    Format("%u horizontally, %u vertically", horizontal, vertical)}
+                             : Fact{key, label, nullptr, kAbsent});
   };
   pair("skipping", "Skipping", horizontal_skipping, vertical_skipping);
   pair("binning", "Binning", horizontal_binning, vertical_binning);
@@ -128,19 +127,20 @@ Section TransferSection(const FrameSettings& settings) {
   return {"transfer",
           "Transfer",
           {{"format", "Format", name, Format("%s (0x%04X)", name.c_str(), settings.format)},
-           {"format_code", "Format code", settings.format, Format("0x%04X", settings.format)},
+           {"format_code", "", settings.format, ""},
            {"image_bytes", "Image size", bytes, Format("%ju bytes", std::uintmax_t{bytes})}}};
 }
 
-/** A time in clocks as two facts: clocks and milliseconds. */
+/** An exposure in clocks and in milliseconds. */
 void AddExposure(const Camera& camera, std::vector<Fact>& facts, const std::string& key,
                  const std::string& label, std::uint32_t clocks) {
   float seconds = 0;
   camera.Call("Vexa_GetExposureTimeFromClock", Vexa_GetExposureTimeFromClock,
               static_cast<DWORD>(clocks), &seconds);
   const double milliseconds = static_cast<double>(seconds) * 1e3;
-  facts.push_back({key + "_clocks", label, clocks, Format("%u clocks", clocks)});
-  facts.push_back({key + "_ms", label + " time", milliseconds, Format("%.6g ms", milliseconds)});
+  facts.push_back(
+      {key + "_ms", label, milliseconds, Format("%.6g ms (%u clocks)", milliseconds, clocks)});
+  facts.push_back({key + "_clocks", "", clocks, ""});
 }
 
 Section TimingSection(const Camera& camera, const FrameSettings& settings) {
@@ -165,9 +165,9 @@ Section TimingSection(const Camera& camera, const FrameSettings& settings) {
   AddExposure(camera, facts, "max_long_exposure", "Longest exposure",
               ReadNumber(camera, "Vexa_GetMaxLongExposureClock", Vexa_GetMaxLongExposureClock));
   const auto blanking = ReadOptional(camera, "Vexa_GetVBlankForFPS", Vexa_GetVBlankForFPS);
-  facts.push_back(blanking ? NumberFact("vertical_blanking_lines", "Vertical blanking", *blanking,
-                                        " lines")
-                           : Fact{"vertical_blanking_lines", "Vertical blanking", nullptr, kAbsent});
+  facts.push_back(
+      blanking ? NumberFact("vertical_blanking_lines", "Vertical blanking", *blanking, " lines")
+               : Fact{"vertical_blanking_lines", "Vertical blanking", nullptr, kAbsent});
   facts.push_back({"frame_rate_hz", "Frame rate", settings.frame_rate,
                    Format("%.3f frames/s", settings.frame_rate)});
   return {"timing", "Timing", facts};
@@ -189,7 +189,7 @@ Section TriggerSection(const Camera& camera, const FrameSettings& settings) {
   const std::string mode = DescribeTriggerMode(settings.trigger_mode);
   std::vector<Fact> facts = {
       {"mode", "Mode", mode, Format("%s (0x%04X)", mode.c_str(), settings.trigger_mode)},
-      HexFact("mode_code", "Mode code", settings.trigger_mode)};
+      {"mode_code", "", settings.trigger_mode, ""}};
   for (const auto& timing : kTimings) {
     DWORD value = 0;
     const bool present =
@@ -217,8 +217,8 @@ Section InputOutputSection(const Camera& camera) {
                             Format("Mode of pin %u", number).c_str(),
                             present ? std::optional<std::uint32_t>(mode) : std::nullopt));
   }
-  facts.push_back(HexFact("led", "LED",
-                          ReadOptional(camera, "Vexa_GetLEDStatus", Vexa_GetLEDStatus)));
+  facts.push_back(
+      HexFact("led", "LED", ReadOptional(camera, "Vexa_GetLEDStatus", Vexa_GetLEDStatus)));
   facts.push_back(HexFact("software_status", "Software status",
                           ReadOptional(camera, "Vexa_GetSwStatus", Vexa_GetSwStatus)));
   return {"io", "Inputs and outputs", facts};
@@ -252,10 +252,10 @@ ExitCode RunInfo(const InfoOptions& options) {
   const Camera camera = OpenCamera(options.camera);
   const FrameSettings settings = ReadFrameSettings(camera);
   const std::vector<Section> sections = {
-      IdentitySection(camera),          CapabilitySection(camera),
+      IdentitySection(camera),           CapabilitySection(camera),
       GeometrySection(camera, settings), TransferSection(settings),
-      TimingSection(camera, settings),  TriggerSection(camera, settings),
-      InputOutputSection(camera),       TimeOutSection(camera)};
+      TimingSection(camera, settings),   TriggerSection(camera, settings),
+      InputOutputSection(camera),        TimeOutSection(camera)};
   Print(options.json ? ToJson(sections) : ToText(sections));
   return ExitCode::kSuccess;
 }

@@ -47,24 +47,23 @@ Section StreamSection(StreamEnd end, const StreamCounts& counts) {
   std::string text;
   for (const auto& [code, count] : counts.errors) {
     errors.push_back({{"code", code}, {"text", DescribeCode(code)}, {"count", count}});
-    text += (text.empty() ? "" : ", ") + DescribeCode(code) +
-            Format(": %ju", std::uintmax_t{count});
+    text +=
+        (text.empty() ? "" : ", ") + DescribeCode(code) + Format(": %ju", std::uintmax_t{count});
   }
   const auto number = [](std::uint64_t value) { return Format("%ju", std::uintmax_t{value}); };
-  return {"stream",
-          "Stream",
-          {{"end", "Ended", StreamEndName(end), StreamEndName(end)},
-           {"seconds", "First to last frame", counts.Seconds(),
-            Format("%.3f s", counts.Seconds())},
-           {"frames", "Frames", counts.frames, number(counts.frames)},
-           {"frames_per_second", "Frame rate", counts.FramesPerSecond(),
-            Format("%.3f frames/s", counts.FramesPerSecond())},
-           {"megabytes_per_second", "Data rate", counts.MegabytesPerSecond(),
-            Format("%.3f MB/s", counts.MegabytesPerSecond())},
-           {"lost_frames", "Lost frames", counts.lost, number(counts.lost)},
-           {"frame_number_restarts", "Frame number restarts", counts.restarts,
-            number(counts.restarts)},
-           {"receive_errors", "Receive errors", errors, text.empty() ? "none" : text}}};
+  return {
+      "stream",
+      "Stream",
+      {{"end", "Ended", StreamEndName(end), StreamEndName(end)},
+       {"seconds", "First to last frame", counts.Seconds(), Format("%.3f s", counts.Seconds())},
+       {"frames", "Frames", counts.frames, number(counts.frames)},
+       {"frames_per_second", "Frame rate", counts.FramesPerSecond(),
+        Format("%.3f frames/s", counts.FramesPerSecond())},
+       {"megabytes_per_second", "Data rate", counts.MegabytesPerSecond(),
+        Format("%.3f MB/s", counts.MegabytesPerSecond())},
+       {"lost_frames", "Lost frames", counts.lost, number(counts.lost)},
+       {"frame_number_restarts", "Frame number restarts", counts.restarts, number(counts.restarts)},
+       {"receive_errors", "Receive errors", errors, text.empty() ? "none" : text}}};
 }
 
 Section IntervalSection(const std::vector<Nanoseconds>& intervals) {
@@ -116,9 +115,9 @@ ExitCode RunStats(const StatsOptions& options) {
   Progress progress(options.stream.quiet);
   const double cpu_before = ProcessCpuSeconds();
   stream.Start();
-  const StreamEnd end = WatchStream(
-      stream, progress,
-      {.timeout_s = timeout_s, .run_s = options.seconds, .failed = {}, .status = {}});
+  const StreamEnd end =
+      WatchStream(stream, progress,
+                  {.timeout_s = timeout_s, .run_s = options.seconds, .failed = {}, .status = {}});
   const double wall_s = std::chrono::duration<double>(Clock::now() - stream.start_time()).count();
   stream.Stop();
   const double cpu_s = ProcessCpuSeconds() - cpu_before;

@@ -15,7 +15,9 @@ static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler sets it"
 
 extern "C" void OnInterrupt(int) { interrupted = true; }
 
-int DescriptorOf(Stream stream) { return stream == Stream::kOutput ? STDOUT_FILENO : STDERR_FILENO; }
+int DescriptorOf(Stream stream) {
+  return stream == Stream::kOutput ? STDOUT_FILENO : STDERR_FILENO;
+}
 
 double Seconds(const timeval& time) {
   return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;

@@ -38,8 +38,8 @@ struct RowKernels {
   /// out[i] = (a[i] + b[i]) / 2
   void (*mean)(const Sample* a, const Sample* b, Sample* out, std::size_t n);
 
-  /// out[i] = five_eighths[a[i] + b[i]] + minus_eighth[c[i] + d[i]], clamped to 0..255: a and b
-  /// are the samples at distance 1, c and d those at distance 3 (see WeightTables).
+  /// out[i] = FiveEighthsTable[a[i] + b[i]] + MinusEighthTable[c[i] + d[i]], clamped to 0..255: a
+  /// and b are the samples at distance 1, c and d those at distance 3 (see WeightTables).
   void (*four_tap)(const Sample* a, const Sample* b, const Sample* c, const Sample* d, Sample* out,
                    std::size_t n);
 

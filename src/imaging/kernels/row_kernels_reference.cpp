@@ -9,10 +9,8 @@ namespace {
 
 Sample HalfSum(int a, int b) { return static_cast<Sample>((a + b) >> 1); }
 
-Sample FourTapAt(int a, int b, int c, int d) {
-  const auto inner = static_cast<std::size_t>(a + b);
-  const auto outer = static_cast<std::size_t>(c + d);
-  const int value = weight_tables.five_eighths[inner] + weight_tables.minus_eighth[outer];
+Sample FourTapAt(std::size_t a, std::size_t b, std::size_t c, std::size_t d) {
+  const int value = weight_tables.FiveEighthsTable[a + b] + weight_tables.MinusEighthTable[c + d];
   return static_cast<Sample>(std::clamp(value, 0, 255));
 }
 

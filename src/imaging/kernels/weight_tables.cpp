@@ -14,9 +14,9 @@ namespace {
 
 constexpr WeightTables MakeWeightTables() {
   WeightTables tables{};
-  for (std::size_t i = 0; i < tables.five_eighths.size(); ++i) {
-    tables.five_eighths[i] = static_cast<std::int16_t>((5 * i + 4) / 8);
-    tables.minus_eighth[i] = static_cast<std::int16_t>(-static_cast<int>((i + 4) / 8));
+  for (std::size_t i = 0; i < tables.FiveEighthsTable.size(); ++i) {
+    tables.FiveEighthsTable[i] = static_cast<std::int16_t>((5 * i + 4) / 8);
+    tables.MinusEighthTable[i] = static_cast<std::int16_t>(-static_cast<int>((i + 4) / 8));
   }
   return tables;
 }

@@ -10,8 +10,8 @@ namespace vexa::imaging {
 /// Indexed by the sum of two 8-bit samples (0..510). The two terms of the filter are rounded
 /// separately, so that the result differs from rounding the whole sum.
 struct WeightTables {
-  std::array<std::int16_t, 512> five_eighths;  ///< FiveEighthsTable: floor((5 i + 4) / 8)
-  std::array<std::int16_t, 512> minus_eighth;  ///< MinusEighthTable: -floor((i + 4) / 8)
+  std::array<std::int16_t, 512> FiveEighthsTable;  ///< entry i: floor((5 i + 4) / 8)
+  std::array<std::int16_t, 512> MinusEighthTable;  ///< entry i: -floor((i + 4) / 8)
 };
 static_assert(sizeof(WeightTables) == 2048);
 

@@ -1,0 +1,180 @@
+// Saving images: the bytes of the files, the choice of the type, and what is refused.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "VexaAPI.h"
+#include "platform/bytes.hpp"
+
+namespace vexa::test {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+class SaveTest : public ::testing::Test {
+ protected:
+  SaveTest()
+      : folder_(std::filesystem::temp_directory_path() /
+                ("vexa-save-" + std::to_string(reinterpret_cast<std::uintptr_t>(this)))) {
+    std::filesystem::create_directories(folder_);
+    SetLastError(0);
+  }
+  ~SaveTest() override { std::filesystem::remove_all(folder_); }
+
+  BOOL Save(DWORD width, DWORD height, DWORD format, const Bytes& image, const std::string& name) {
+    const std::string path = (folder_ / name).string();
+    return Vexa_SaveImageA(width, height, format, image.data(), path.c_str(), 0);
+  }
+
+  Bytes Read(const std::filesystem::path& name) const {
+    std::ifstream file(folder_ / name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  bool Exists(const std::string& name) const { return std::filesystem::exists(folder_ / name); }
+
+  static Bytes Ramp(std::size_t size) {
+    Bytes bytes(size);
+    for (std::size_t i = 0; i < size; ++i) {
+      bytes[i] = static_cast<std::uint8_t>(i * 7 + 1);
+    }
+    return bytes;
+  }
+
+  std::filesystem::path folder_;
+};
+
+TEST_F(SaveTest, Bitmaps) {
+  struct Case {
+    DWORD width, height, format;
+    std::size_t pixel_size, row_size, data_offset;
+  };
+  for (const Case& test :
+       {Case{3, 2, 1, 1, 4, 1078}, Case{4, 3, 4, 3, 12, 54}, Case{5, 3, 4, 3, 16, 54},
+        Case{3, 2, 8, 4, 12, 54}, Case{1, 1, 1, 1, 4, 1078}, Case{0, 0, 4, 3, 0, 54}}) {
+    const Bytes image = Ramp(std::max<std::size_t>(1, test.width * test.height * test.pixel_size));
+    ASSERT_TRUE(Save(test.width, test.height, test.format, image, "a.bmp")) << GetLastError();
+    const Bytes file = Read("a.bmp");
+    const std::size_t image_size = test.row_size * test.height;
+    ASSERT_EQ(file.size(), test.data_offset + image_size);
+    Bytes expected(test.data_offset);
+    const DWORD colours = test.format == 1 ? 256 : 0;
+    const std::pair<std::size_t, DWORD> fields[] = {
+        {2, static_cast<DWORD>(file.size())},
+        {10, static_cast<DWORD>(test.data_offset)},
+        {14, 40},
+        {18, test.width},
+        {22, test.height},
+        {26, 1 | static_cast<DWORD>(8 * test.pixel_size) << 16},
+        {34, static_cast<DWORD>(image_size)},
+        {46, colours},
+        {50, colours}};
+    expected[0] = 'B';
+    expected[1] = 'M';
+    for (const auto& [offset, value] : fields) {
+      StoreLe32(expected, offset, value);
+    }
+    for (std::size_t i = 0; 54 + 4 * i < test.data_offset; ++i) {
+      std::fill_n(expected.begin() + static_cast<std::ptrdiff_t>(54 + 4 * i), 3,
+                  static_cast<std::uint8_t>(i));
+    }
+    for (DWORD y = test.height; y-- > 0;) {
+      const auto row =
+          image.begin() + static_cast<std::ptrdiff_t>(y * test.width * test.pixel_size);
+      expected.insert(expected.end(), row,
+                      row + static_cast<std::ptrdiff_t>(test.width * test.pixel_size));
+      expected.resize(test.data_offset + test.row_size * (test.height - y));
+    }
+    EXPECT_EQ(file, expected) << test.width << " x " << test.height << " format " << test.format;
+  }
+}
+
+TEST_F(SaveTest, RawFilesAreTheBareBytes) {
+  for (const auto& [format, size] : {std::pair<DWORD, std::size_t>{1, 1}, {2, 2}, {4, 3}, {8, 4}}) {
+    const Bytes image = Ramp(5 * 3 * size);
+    ASSERT_TRUE(Save(5, 3, format, image, "a.raw"));
+    EXPECT_EQ(Read("a.raw"), image);
+  }
+}
+
+TEST_F(SaveTest, ExtensionChoosesTheType) {
+  const Bytes image = Ramp(4);
+  const auto size_of = [&](const std::string& name) {
+    std::filesystem::create_directories((folder_ / name).parent_path());
+    SetLastError(0);
+    return Save(2, 2, 1, image, name) ? Read(name).size() : 0;
+  };
+  for (const char* name : {"a.raw", "a.RAW", "a.Ra", "a.r", "a."}) {
+    EXPECT_EQ(size_of(name), 4U) << name;
+  }
+  // A longer extension is not the shorter name; a "." in a folder counts when the name has none.
+  for (const char* name : {"a.bmp", "a.png", "a.x", "a.rawx", "a.raw.bmp", "data.1/img"}) {
+    EXPECT_EQ(size_of(name), 1078U + 8) << name;
+  }
+  for (const char* name : {"b.tif", "b.TIFF", "b.t", "b.jpg", "b.Jpeg", "b.j"}) {
+    EXPECT_EQ(size_of(name), 0U) << name;
+    EXPECT_EQ(GetLastError(), 50U) << name;
+    EXPECT_FALSE(Exists(name)) << name;
+  }
+}
+
+TEST_F(SaveTest, Refusals) {
+  const Bytes image = Ramp(64);
+  struct Case {
+    const char* name;
+    DWORD width, height, format;
+    DWORD error;
+    bool file;
+  };
+  for (const Case& test :
+       {Case{"c.raw", 2, 2, 16, 87, false}, Case{"c.raw", 2, 2, 0, 87, false},
+        Case{"c.bmp", 2, 2, 2, 87, false}, Case{"c.bmp", 2, 2, 64, 87, false},
+        Case{"c.bmp", 0x80000000, 1, 1, 87, false}, Case{"c.bmp", 1, 0x80000000, 1, 87, false},
+        Case{"c.bmp", 0x10000, 0x10000, 1, 87, false},
+        Case{"c.bmp", 0x7FFFFFFF, 0x7FFFFFFF, 8, 87, false},
+        Case{"c.raw", 0xFFFFFFFF, 0xFFFFFFFF, 8, 87, false}, Case{"c.bmp", 2, 2, 3, 87, true},
+        Case{"no/such/folder.bmp", 2, 2, 4, 110, false},
+        Case{"no/such/folder.bmp", 2, 2, 3, 110, false}}) {
+    SetLastError(0);
+    EXPECT_FALSE(Save(test.width, test.height, test.format, image, test.name)) << test.name;
+    EXPECT_EQ(GetLastError(), test.error) << test.name << " format " << test.format;
+    EXPECT_EQ(Exists(test.name), test.file) << test.name;
+    if (test.file) {
+      EXPECT_EQ(std::filesystem::file_size(folder_ / test.name), 0U);
+      std::filesystem::remove(folder_ / test.name);
+    }
+  }
+  SetLastError(0);
+  EXPECT_FALSE(Vexa_SaveImageA(2, 2, 1, image.data(), "name without extension", 0));
+  EXPECT_EQ(GetLastError(), 87U);
+  EXPECT_FALSE(Vexa_SaveImageA(2, 2, 1, nullptr, (folder_ / "d.bmp").string().c_str(), 0));
+  EXPECT_FALSE(Vexa_SaveImageA(2, 2, 1, image.data(), nullptr, 0));
+  EXPECT_FALSE(Vexa_SaveImageW(2, 2, 1, image.data(), nullptr, 0));
+  // A refused call leaves an existing file as it is.
+  ASSERT_TRUE(Save(2, 2, 1, image, "kept.raw"));
+  EXPECT_FALSE(Save(2, 2, 16, image, "kept.raw"));
+  EXPECT_EQ(Read("kept.raw").size(), 4U);
+}
+
+TEST_F(SaveTest, NamesBeyondTheCodePageAndAFullDisk) {
+  const Bytes image = Ramp(4);
+  const std::u16string name =
+      (folder_ / u"Gr\u00FC\u00DFe \u753B\u50CF \U0001F4F7.bmp").u16string();
+  const std::basic_string<WCHAR> wide(name.begin(), name.end());
+  EXPECT_TRUE(Vexa_SaveImageW(2, 2, 1, image.data(), wide.c_str(), 0)) << GetLastError();
+  EXPECT_EQ(std::filesystem::file_size(std::filesystem::path(name)), 1086U);
+#if defined(__linux__)
+  std::filesystem::create_symlink("/dev/full", folder_ / "full.bmp");
+  EXPECT_FALSE(Save(2, 2, 1, image, "full.bmp"));
+  EXPECT_EQ(GetLastError(), 29U);
+#endif
+}
+
+}  // namespace
+}  // namespace vexa::test

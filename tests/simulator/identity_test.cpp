@@ -1,0 +1,177 @@
+#include <gmock/gmock.h>
+
+#include "simulator/twin_rig.hpp"
+
+namespace vexa::simulator {
+namespace {
+
+using ::testing::ElementsAre;
+
+TEST(TwinIdentity, InformationBlockAndCapabilitiesTellTheConfiguration) {
+  CameraConfig config = PlainCamera(0x0910);
+  config.variant = 0x000F;
+  config.firmware = 0x0123;
+  config.max_width = 0;
+  config.max_height = 1024;
+  config.capabilities = 0x8000'0001'0002'0003;
+  TwinRig rig(config);
+  const Bytes block = rig.Block(0x11, 64);
+  EXPECT_EQ(LoadLe16(block, 2), config.version_word_a);
+  EXPECT_EQ(LoadLe16(block, 4), 0x0910);
+  EXPECT_EQ(LoadLe16(block, 6), 0x000F);
+  EXPECT_EQ(LoadLe16(block, 8), 0x0123);
+  EXPECT_EQ(LoadLe16(block, 10), 1);
+  EXPECT_EQ(LoadLe16(block, 12), 64);
+  EXPECT_EQ(LoadLe32(block, 14), config.scan_settings_tag);
+  EXPECT_EQ(LoadLe32(block, 18), config.transfer_formats);
+  EXPECT_EQ(LoadLe16(block, 26), config.scan_modes);
+  EXPECT_EQ(LoadLe32(block, 40), config.clock_modes);
+  EXPECT_EQ(LoadLe32(block, 56), 0u);
+  EXPECT_EQ(LoadLe32(block, 60), 1024u);
+  // The sensor behind an open maximum is the model's.
+  EXPECT_EQ(LoadLe32(rig.Block(0x12, 64), 6), 1600u);
+
+  Bytes mask;
+  ASSERT_TRUE(rig.In(0x80, 0x68, 0, 8, &mask).ok());
+  EXPECT_THAT(mask, ElementsAre(3, 0, 2, 0, 1, 0, 0, 0x80));
+}
+
+TEST(TwinIdentity, EveryModelStreamsAFrameOfItsSize) {
+  EXPECT_EQ(KnownProducts().size(), 28u);
+  for (const std::uint16_t product : KnownProducts()) {
+    SCOPED_TRACE(product);
+    TwinRig rig(PlainCamera(product));
+    const SensorSize size = ProductSensorSize(product);
+    // The largest sensors by a part of them, for the time it takes.
+    const std::uint32_t width = std::min(size.width, 640u);
+    const std::uint32_t height = std::min(size.height, 64u);
+    ASSERT_TRUE(rig.SetScan(width, height, size.width - width, size.height - height).ok());
+    rig.Start();
+    EXPECT_EQ(rig.Frame().size(), 64u + width * height);
+    Bytes mask;
+    EXPECT_EQ(rig.In(0x80, 0x68, 0, 8, &mask).ok(), HasRegisterAccess(product));
+  }
+  EXPECT_EQ(ProductSensorSize(0x1234), (SensorSize{4092, 4092}));
+}
+
+TEST(TwinIdentity, DescriptorTellsTheSpeed) {
+  const struct {
+    UsbSpeed speed;
+    unsigned packet;
+  } cases[] = {{UsbSpeed::kFull, 64}, {UsbSpeed::kHigh, 512}, {UsbSpeed::kSuper, 1024}};
+  for (const auto& test : cases) {
+    CameraConfig config = PlainCamera();
+    config.usb_speed = test.speed;
+    TwinRig rig(config);
+    Bytes descriptor(53);
+    ASSERT_TRUE(rig.Control(ControlCode::kConfigurationDescriptor, &descriptor).ok());
+    ASSERT_GE(descriptor.size(), 25u);
+    EXPECT_EQ(LoadLe16(descriptor, 2), descriptor.size());
+    EXPECT_EQ(descriptor[18] + 0u, 7u);      // an endpoint descriptor
+    EXPECT_EQ(descriptor[20] & 0x80, 0x80);  // in
+    EXPECT_EQ(descriptor[21] & 3, 2);        // bulk
+    EXPECT_EQ(LoadLe16(descriptor, 22), test.packet);
+  }
+  CameraConfig config = PlainCamera();
+  config.descriptor_override = {9, 2, 9, 0};
+  TwinRig rig(config);
+  Bytes descriptor(53);
+  ASSERT_TRUE(rig.Control(ControlCode::kConfigurationDescriptor, &descriptor).ok());
+  EXPECT_THAT(descriptor, ElementsAre(9, 2, 9, 0));
+}
+
+TEST(TwinBus, ListsPluggedCamerasInOrderAndCountsHandles) {
+  CameraBus bus;
+  const auto first = bus.Add(PlainCamera(0x0510));
+  const auto second = bus.Add(PlainCamera(0x0710));
+  std::u16string path;
+  std::u16string path_of_second;
+  ASSERT_TRUE(bus.InterfacePath(1, &path_of_second).ok());
+  EXPECT_EQ(bus.InterfacePath(2, &path), error::kNoMoreItems);
+
+  std::unique_ptr<Device> one;
+  std::unique_ptr<Device> two;
+  ASSERT_TRUE(bus.Open(path_of_second, &one).ok());
+  const auto open_count = [](Device& device) {
+    Bytes reply(4);
+    std::uint32_t returned = 0;
+    EXPECT_TRUE(device.ControlSynchronous(ControlCode::kOpenCount, {}, reply, &returned).ok());
+    EXPECT_EQ(returned, 4u);
+    return LoadLe32(reply, 0);
+  };
+  EXPECT_EQ(open_count(*one), 1u);
+  ASSERT_TRUE(bus.Open(path_of_second, &two).ok());
+  EXPECT_EQ(open_count(*one), 2u);
+  two.reset();
+  EXPECT_EQ(open_count(*one), 1u);
+  second->SetBusyElsewhere(true);
+  EXPECT_EQ(open_count(*one), 2u);
+  EXPECT_EQ(first->OpenHandles(), 0u);
+
+  first->Unplug();
+  ASSERT_TRUE(bus.InterfacePath(0, &path).ok());
+  EXPECT_EQ(path, path_of_second);
+  first->Replug();
+  ASSERT_TRUE(bus.InterfacePath(0, &path).ok());
+  EXPECT_NE(path, path_of_second);
+  bus.Remove(second);
+  EXPECT_EQ(bus.InterfacePath(1, &path), error::kNoMoreItems);
+  EXPECT_FALSE(bus.Open(path_of_second, &two).ok());
+}
+
+TEST(TwinBus, SystemHasAColourAndAMonochromeCamera) {
+  const auto cameras = CameraBus::System().Cameras();
+  ASSERT_GE(cameras.size(), 2u);
+  EXPECT_EQ(cameras[0]->config().product_id, 0x0510);
+  EXPECT_EQ(SensorSizeOf(cameras[0]->config()), (SensorSize{1280, 964}));
+  EXPECT_EQ(cameras[0]->config().colour_array, 2);
+  EXPECT_EQ(cameras[1]->config().product_id, 0x0710);
+  EXPECT_EQ(SensorSizeOf(cameras[1]->config()), (SensorSize{1360, 1040}));
+  EXPECT_EQ(cameras[1]->config().colour_array, 1);
+}
+
+TEST(TwinRecovery, AnUnansweringCameraWakesAtItsStage) {
+  const struct {
+    Wakes wakes;
+    bool after_first;
+    bool after_second;
+  } cases[] = {{Wakes::kNever, false, false},
+               {Wakes::kFirstStage, true, true},
+               {Wakes::kSecondStage, false, true}};
+  for (const auto& test : cases) {
+    TwinRig rig(PlainCamera());
+    Bytes block;
+    rig.camera->SetUnanswering(test.wakes, 121);
+    EXPECT_EQ(rig.In(0x11, 0, 0, 64, &block).code(), 121u);
+    EXPECT_TRUE(rig.Control(ControlCode::kRecoverFirstStage).ok());
+    EXPECT_EQ(rig.In(0x11, 0, 0, 64, &block).ok(), test.after_first);
+    EXPECT_TRUE(rig.Control(ControlCode::kRecoverSecondStage).ok());
+    EXPECT_EQ(rig.In(0x11, 0, 0, 64, &block).ok(), test.after_second);
+  }
+}
+
+TEST(TwinRecovery, OldDriversLackStreamControlAndRecovery) {
+  const struct {
+    std::array<std::uint32_t, 4> version;
+    bool stream_control;
+    bool recovery;
+  } cases[] = {{{1, 9, 0, 0}, false, false},         {{2, 0, 0, 0}, true, false},
+               {{3, 1, 0, 0}, false, false},         {{3, 2, 0, 0}, true, false},
+               {{0x00030000, 4, 0, 0}, true, false}, {{0x00030000, 5, 0, 0}, true, true},
+               {{0x00030001, 0, 7, 9}, true, true}};
+  for (const auto& test : cases) {
+    TwinRig rig(PlainCamera());
+    rig.camera->SetDriverVersion(test.version);
+    Bytes words(16);
+    ASSERT_TRUE(rig.Control(ControlCode::kDriverVersion, &words).ok());
+    ASSERT_EQ(words.size(), 16u);
+    EXPECT_EQ(LoadLe32(words, 0), test.version[0]);
+    EXPECT_EQ(LoadLe32(words, 12), test.version[3]);
+    EXPECT_EQ(rig.Control(ControlCode::kResetStream).ok(), test.stream_control);
+    EXPECT_EQ(rig.Control(ControlCode::kStopStream).ok(), test.stream_control);
+    EXPECT_EQ(rig.Control(ControlCode::kRecoverFirstStage).ok(), test.recovery);
+  }
+}
+
+}  // namespace
+}  // namespace vexa::simulator

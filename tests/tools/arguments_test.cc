@@ -1,0 +1,124 @@
+// The command line: what is refused, and what it comes to.
+
+#include <VexaAPI.h>
+#include <gmock/gmock.h>
+
+#include "options.hpp"
+
+namespace vexa::tool {
+namespace {
+
+using ::testing::HasSubstr;
+
+ParsedArguments Parse(const std::vector<std::string>& arguments) {
+  return ParseArguments(arguments, [] { return "VexaAPI 1.2.3.4"; });
+}
+
+TEST(Arguments, RefusesWhatIsWrongAndSaysWhat) {
+  const struct {
+    std::vector<std::string> arguments;
+    const char* says;
+  } kCases[] = {
+      {{}, "a command is required"},
+      {{"snap"}, "\"snap\" is not understood"},
+      {{"info", "--frames", "3"}, "vexa info --help"},
+      {{"--json", "list"}, "--json"},
+      {{"info", "--camera", "-1"}, "-1"},
+      {{"info", "--camera", "256"}, "256"},
+      {{"capture", "--frames", "0"}, "0"},
+      {{"capture", "--frames", "4294967297"}, "4294967297"},  // 1 when cut to 32 bits
+      {{"capture", "--frames", "ten"}, "ten"},
+      {{"capture", "--exposure-ms", "nan"}, "nan"},
+      {{"capture", "--exposure-ms", "inf"}, "inf"},
+      {{"capture", "--exposure-ms", "0"}, "--exposure-ms"},
+      {{"capture", "--exposure-ms", "1e99"}, "1e99"},
+      {{"capture", "--exposure-ms", "5ms"}, "5ms"},
+      {{"capture", "--roi", "0,0,640"}, "four numbers"},
+      {{"capture", "--roi", "0,0,640,480,1"}, "four numbers"},
+      {{"capture", "--roi", "0,0,-640,480"}, "\"-640\""},
+      {{"capture", "--roi", "0,,640,480"}, "\"\""},
+      {{"capture", "--roi", "0,0,4294967296,480"}, "4294967296"},
+      {{"capture", "--roi", "0,0,640,0"}, "at least 1"},
+      {{"capture", "--scan-mode", "0x10000"}, "0x10000"},
+      {{"capture", "--format", "13bit"}, "8bit, 10bit"},
+      {{"capture", "--format", "0"}, "8bit, 10bit"},
+      {{"capture", "--method", "bicubic"}, "four-tap"},
+      {{"capture", "--timeout", "-1"}, "-1"},
+      {{"stats", "--seconds", "0"}, "--seconds"},
+      {{"stats", "--seconds", "-nan"}, "nan"},
+  };
+  for (const auto& test_case : kCases) {
+    const ParsedArguments parsed = Parse(test_case.arguments);
+    const Answer* answer = std::get_if<Answer>(&parsed);
+    ASSERT_NE(answer, nullptr) << test_case.says;
+    EXPECT_EQ(answer->exit_code, ExitCode::kUsage) << answer->output;
+    EXPECT_THAT(answer->error, HasSubstr(test_case.says));
+    EXPECT_EQ(answer->output, "");
+  }
+}
+
+TEST(Arguments, CollectsTheSettingsOfACapture) {
+  const ParsedArguments parsed = Parse({"capture",
+                                        "-c",
+                                        "1",
+                                        "-n",
+                                        "20",
+                                        "--roi",
+                                        "8,16,640,480",
+                                        "--exposure-ms",
+                                        "2.5",
+                                        "--scan-mode",
+                                        "0x8000",
+                                        "--format",
+                                        "12BIT",
+                                        "--method",
+                                        "cell-centred",
+                                        "--timeout",
+                                        "0",
+                                        "-o",
+                                        "späte Bilder/%d.raw",
+                                        "--overwrite",
+                                        "-q"});
+  const auto& options = std::get<CaptureOptions>(parsed);
+  const SettingOptions& settings = options.stream.settings;
+  EXPECT_EQ(options.stream.camera, 1u);
+  EXPECT_EQ(options.frames, 20u);
+  ASSERT_TRUE(settings.region);
+  EXPECT_EQ(settings.region->x, 8u);
+  EXPECT_EQ(settings.region->y, 16u);
+  EXPECT_EQ(settings.region->width, 640u);
+  EXPECT_EQ(settings.region->height, 480u);
+  EXPECT_EQ(settings.exposure_ms, 2.5);
+  EXPECT_EQ(settings.scan_mode, 0x8000);
+  EXPECT_EQ(settings.format, VEXA_TRANSFER_12BIT);
+  EXPECT_EQ(options.method, VEXA_INTERP_CELL_CENTRED);
+  EXPECT_EQ(options.stream.timeout_s, 0.0);
+  EXPECT_EQ(options.output, "späte Bilder/%d.raw");
+  EXPECT_TRUE(options.overwrite && options.stream.quiet);
+
+  const auto untouched = std::get<StatsOptions>(Parse({"stats"})).stream;
+  EXPECT_FALSE(untouched.settings.region || untouched.settings.exposure_ms ||
+               untouched.settings.scan_mode || untouched.settings.format || untouched.timeout_s);
+  EXPECT_EQ(
+      std::get<CaptureOptions>(Parse({"capture", "--format", "0x0400"})).stream.settings.format,
+      VEXA_TRANSFER_BGR24);
+}
+
+TEST(Arguments, HelpAndVersionSucceed) {
+  const struct {
+    std::vector<std::string> arguments;
+    const char* says;
+  } kCases[] = {{{"--version"}, "VexaAPI 1.2.3.4"},
+                {{"--help"}, "3  no camera could be opened"},
+                {{"capture", "--help"}, "%04d"},
+                {{"stats", "--help"}, "median"}};
+  for (const auto& test_case : kCases) {
+    const Answer answer = std::get<Answer>(Parse(test_case.arguments));
+    EXPECT_EQ(answer.exit_code, ExitCode::kSuccess);
+    EXPECT_THAT(answer.output, HasSubstr(test_case.says));
+    EXPECT_EQ(answer.error, "");
+  }
+}
+
+}  // namespace
+}  // namespace vexa::tool

@@ -1,0 +1,254 @@
+#!/usr/bin/env python3
+"""Runs the program `vexa` as a user would.
+
+usage: end_to_end.py PROGRAM SCRATCH [unittest arguments]
+
+A Linux program is tested with the simulated cameras. A Windows program (.exe) is tested without
+cameras, on other systems in Wine, whose files go to the folder SCRATCH. Exit code 77: there is no
+Wine for the program here.
+"""
+import json
+import os
+import pathlib
+import shutil
+import signal
+import struct
+import subprocess
+import sys
+import tempfile
+import unittest
+
+PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
+SCRATCH = pathlib.Path(sys.argv.pop(1)).resolve()
+WINDOWS = PROGRAM.suffix == ".exe"
+WAIT = 120  # seconds; far beyond what anything here takes
+
+
+def find_wine():
+    """The command line that runs PROGRAM in Wine, or None. Wine comes as one program per word
+    size, and the 64-bit one cannot run 32-bit programs."""
+    data = PROGRAM.read_bytes()
+    machine = struct.unpack_from("<H", data, struct.unpack_from("<I", data, 0x3C)[0] + 4)[0]
+    names, folder = ((["wine64"], "/usr/lib/wine") if machine == 0x8664 else
+                     (["wine32", "wine"], "/usr/lib/i386-linux-gnu/wine"))
+    for name in names:
+        # The plain name may be the 64-bit Wine outside of the 32-bit one's folder.
+        wine = shutil.which(name, path=folder if name == "wine" else f"{folder}:{os.defpath}")
+        if wine:
+            runner = pathlib.Path(__file__).resolve().parent.parent / "run-in-wine.sh"
+            return ["sh", runner, wine, SCRATCH]
+    return None
+
+
+LAUNCHER = find_wine() if WINDOWS and os.name != "nt" else []
+
+
+def vexa(*arguments, folder=None):
+    return subprocess.run([*LAUNCHER, PROGRAM, *map(str, arguments)], cwd=folder, text=True,
+                          timeout=WAIT, capture_output=True, encoding="utf-8")
+
+
+def read_bmp(path):
+    """Width, height and a function (x, y) -> (red, green, blue); y counts from the top."""
+    data = pathlib.Path(path).read_bytes()
+    magic, size, offset = struct.unpack_from("<2sI4xI", data)
+    header, width, height, planes, bits, compression = struct.unpack_from("<IiiHHI", data, 14)
+    assert (magic, size, header, planes, compression) == (b"BM", len(data), 40, 1, 0)
+    row = (width * bits // 8 + 3) // 4 * 4
+    assert len(data) == offset + row * abs(height)
+
+    def pixel(x, y):
+        line = height - 1 - y if height > 0 else y
+        at = offset + line * row + x * bits // 8
+        if bits == 8:
+            entry = 14 + header + 4 * data[at]
+            return tuple(data[entry:entry + 3][::-1])
+        return tuple(data[at:at + 3][::-1])
+
+    return width, abs(height), pixel
+
+
+def centre(width, height, pixel, matches):
+    """Median place of the pixels that match, and how many hundredths of the picture they are."""
+    found = [(x, y) for y in range(0, height, 4) for x in range(0, width, 4) if matches(*pixel(x, y))]
+    if not found:
+        return None, 0
+    place = [sorted(axis)[len(found) // 2] for axis in zip(*found)]
+    return place, 1600 * len(found) / (width * height)
+
+
+class EndToEnd(unittest.TestCase):
+    def setUp(self):
+        temporary = tempfile.TemporaryDirectory()
+        self.addCleanup(temporary.cleanup)
+        self.folder = pathlib.Path(temporary.name)
+
+    def expect(self, run, code, *says):
+        self.assertEqual(run.returncode, code, run.stderr)
+        for text in says:
+            self.assertIn(text, run.stdout if code == 0 else run.stderr)
+
+    def capture(self, *arguments):
+        """Captures into the folder. A busy machine may lose frames between the saved ones; then
+        the program has to say so."""
+        run = vexa("capture", *arguments, folder=self.folder)
+        if run.returncode == 4:
+            self.assertIn("were lost", run.stderr)
+        else:
+            self.expect(run, 0)
+        return run.stdout
+
+
+@unittest.skipUnless(WINDOWS, "for the Windows program")
+class WithoutCameras(EndToEnd):
+    def test_arguments_and_errors_are_unicode(self):
+        self.assertRegex(vexa("--version").stdout, r"^VexaAPI \d+\.\d+\.\d+\.\d+ ")
+        self.expect(vexa("list"), 3, "Vexa_Open", "259 (", "driver")
+        self.expect(vexa("stats", "--seconds", "nan"), 2, "--seconds", "stats --help")
+        name = "Größe 日本 \U0001F4F7.bmp"
+        (self.folder / name).write_text("precious")
+        self.expect(vexa("capture", "-o", name, folder=self.folder), 2, name, "--overwrite")
+        self.expect(vexa("capture", "-o", name, "--overwrite", folder=self.folder), 3, "Vexa_Open")
+        self.assertEqual((self.folder / name).read_text(), "precious")
+
+
+@unittest.skipIf(WINDOWS, "needs the simulated cameras")
+class WithCameras(EndToEnd):
+    def test_list_and_info_agree(self):
+        table = vexa("list")
+        self.expect(table, 0, "index", "RGGB", "mono")
+        self.assertEqual(len(table.stdout.splitlines()), 3, "a heading and two cameras")
+        cameras = json.loads(vexa("list", "--json").stdout)
+        self.assertEqual([camera["index"] for camera in cameras], [0, 1])
+        for camera in cameras:
+            run = vexa("info", "--camera", camera["index"], "--json")
+            self.expect(run, 0)
+            info = json.loads(run.stdout)
+            self.assertEqual(info["identity"]["model"], camera["model"])
+            self.assertIn(camera["model"], table.stdout)
+            timing, region = info["timing"], info["geometry"]["region"]
+            self.assertEqual((region["width"], region["height"]),
+                             (camera["max_width"], camera["max_height"]))
+            lines, clocks = timing["lines_per_frame"], timing["clocks_per_line"]
+            hertz = timing["pixel_clock_hz"]
+            self.assertAlmostEqual(timing["frame_rate_hz"], hertz / (lines * clocks), places=2)
+            self.assertAlmostEqual(timing["exposure_ms"], timing["exposure_clocks"] / hertz * 1e3,
+                                   places=3)
+            self.assertEqual(info["transfer"]["image_bytes"], region["width"] * region["height"])
+        self.expect(vexa("info"), 0, "MHz", " ms (", "frames/s", "free run", "without limit")
+
+    def test_captures_the_colours_of_the_chart(self):
+        """One row of the colour chart has blue, green, red and yellow side by side."""
+        colours = (lambda r, g, b: b > 110 and r < 90 and g < 90,
+                   lambda r, g, b: g > 110 and r < 100 and b < 100,
+                   lambda r, g, b: r > 140 and g < 90 and b < 90,
+                   lambda r, g, b: r > 190 and g > 160 and b < 90)
+        for method in (None, "nearest", "four-tap", "cell-centred"):
+            name = f"Grüße {method}.bmp"
+            option = ["--method", method] if method else []
+            self.assertIn(name, self.capture("-o", name, *option))
+            width, height, pixel = read_bmp(self.folder / name)
+            self.assertEqual((width, height), (1280, 964))
+            left = (0, 0, width // 2, height // 2)  # where the chart is, without the other things
+            found = [centre(left[2], left[3], pixel, matches) for matches in colours]
+            places = [place for place, share in found]
+            for place, share in found:
+                self.assertGreater(share, 2, f"{method}: {found}")
+            self.assertEqual([x for x, _ in places], sorted(x for x, _ in places), method)
+            self.assertLess(max(y for _, y in places) - min(y for _, y in places), 60, method)
+
+    def test_saves_what_was_asked_for(self):
+        told = self.capture("-c", 1, "--roi", "64,32,320,200", "-n", 12, "-o", "g.bmp",
+                            "--exposure-ms", "2")
+        self.assertIn("Saved 12 of 12 frame(s): g-0001.bmp to g-0012.bmp", told)
+        for index in range(1, 13):
+            width, height, pixel = read_bmp(self.folder / f"g-{index:04}.bmp")
+            self.assertEqual((width, height), (320, 200))
+            self.assertEqual(len(set(pixel(100, 100))), 1, "a grey image")
+
+        self.capture("--format", "12bit", "--roi", "0,0,640,480", "-n", 2, "-o", "deep%d.raw")
+        for index in (1, 2):
+            data = (self.folder / f"deep{index}.raw").read_bytes()
+            samples = struct.unpack(f"<{640 * 480}H", data)
+            self.assertLess(max(samples), 1 << 12)
+            self.assertGreater(max(samples), 1 << 8, "more than 8 bits are in use")
+        self.capture("--exposure-ms", "0.1", "-o", "dark.raw")
+        self.capture("--exposure-ms", "10", "-o", "bright.raw")
+        dark, bright = (sum((self.folder / f"{name}.raw").read_bytes()) for name in ("dark", "bright"))
+        self.assertLess(4 * dark, bright, "the first frame has the exposure already")
+
+    def test_stats_measures(self):
+        run = vexa("stats", "--seconds", 2, "--json")
+        report = json.loads(run.stdout)
+        # A loaded machine may lose frames; then the exit code has to say so.
+        lost = report["stream"]["lost_frames"] or report["stream"]["receive_errors"]
+        self.assertEqual(run.returncode, 4 if lost else 0, run.stderr)
+        self.assertGreater(report["stream"]["frames"], 0)
+        self.assertGreater(report["cpu"]["ms_per_frame"], 0)
+        interval = report["callback_interval"]
+        self.assertLess(interval["count"], report["stream"]["frames"])
+        self.assertLessEqual(interval["deviation_p50_us"], interval["deviation_max_us"])
+        self.assertNotRegex(run.stderr, r"[\r\x1b]", "no control characters outside a terminal")
+        self.assertNotIn("frames/s", vexa("stats", "-s", "1.5", "--quiet").stderr)
+
+    def test_a_terminal_gets_one_changing_line(self):
+        import pty  # not on Windows
+        terminal, program_side = pty.openpty()
+        run = subprocess.run([PROGRAM, "stats", "-s", "1"], stdout=subprocess.PIPE,
+                             stderr=program_side, timeout=WAIT)
+        os.close(program_side)
+        shown = os.read(terminal, 65536).decode()
+        os.close(terminal)
+        self.assertIn(run.returncode, (0, 4))
+        self.assertRegex(shown, r"^(\r\d+ frames [^\r\n]*){2,}\r\n")
+
+    def test_interrupts_end_in_good_order(self):
+        for command, codes in ((["stats", "-s", "600"], (0, 4)),  # 4: lost frames, as above
+                               (["capture", "-n", "100000", "-o", "i%d.raw"], (1,))):
+            with subprocess.Popen([PROGRAM, *command], cwd=self.folder, text=True,
+                                  stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
+                first_line = process.stderr.readline()  # progress: the stream runs
+                self.assertIn("frames/s", first_line)
+                process.send_signal(signal.SIGINT)
+                output, errors = process.communicate(timeout=WAIT)
+                self.assertIn(process.returncode, codes, errors)
+                self.assertRegex(output, r"Saved [1-9]\d* of|interrupted")
+
+    def test_what_goes_wrong_is_explained(self):
+        taken = self.folder / "taken.bmp"
+        taken.write_text("precious")
+        full = self.folder / "full.raw"
+        full.symlink_to("/dev/full")
+        cases = [
+            (2, ["capture", "--frames", "0"], ["--frames", "capture --help"]),
+            (2, ["capture", "-o", "picture.png"], [".png", ".bmp"]),
+            (2, ["capture", "-o", "%d-%d.bmp"], ["two places"]),
+            (2, ["capture", "-o", taken], ["taken.bmp", "--overwrite"]),
+            (2, ["capture", "--format", "12bit", "-o", "a.bmp"], ["12bit", ".raw"]),
+            (2, ["capture", "--method", "nearest", "-o", "a.raw"], ["--method"]),
+            (1, ["capture", "--format", "bgr30", "-o", "a.raw"], ["87 (", "8bit, 10bit, 12bit"]),
+            (1, ["capture", "--roi", "0,0,9999,480"], ["Vexa_SetScanMode", "1280 x 964"]),
+            (1, ["capture", "-o", "no/folder/a.bmp"], ["Vexa_SaveImageW", "110 (", "folder"]),
+            (1, ["capture", "-o", "a.jpg"], ["50 (not supported)", ".bmp"]),
+            (1, ["capture", "-o", full, "--overwrite"], ["incomplete", "space"]),
+            (3, ["info", "--camera", 9], ["index 9", "2 free", "259 ("]),
+        ]
+        for code, arguments, says in cases:
+            with self.subTest(arguments=arguments):
+                run = vexa(*arguments, folder=self.folder)
+                self.expect(run, code, *says)
+                self.assertEqual(run.stdout if code != 1 else "", "")
+        self.assertEqual(taken.read_text(), "precious")
+        with open("/dev/full", "w") as no_space:
+            run = subprocess.run([PROGRAM, "list"], stdout=no_space, stderr=subprocess.PIPE)
+        self.assertEqual(run.returncode, 1)
+        self.assertRegex(vexa("--version").stdout, r"^VexaAPI \d+\.\d+\.\d+\.\d+ ")
+
+
+if __name__ == "__main__":
+    if not os.access(PROGRAM, os.X_OK):
+        sys.exit(f"{PROGRAM} is no program")
+    if LAUNCHER is None:
+        print(f"{PROGRAM}: NOT TESTED, there is no Wine for it here", file=sys.stderr)
+        sys.exit(77)
+    unittest.main(verbosity=2)
