@@ -6,8 +6,8 @@
 namespace vexa::device {
 namespace {
 
-// Sorted by product ID. A name is VX, the generation (the ID's low byte), the sensor's size in units
-// of 10,000 pixels, and C for a colour or M for a monochrome sensor.
+// Sorted by product ID. A name is VX, the generation (the ID's low byte), the sensor's size in
+// units of 10,000 pixels, and C for a colour or M for a monochrome sensor.
 constexpr std::array kModels = {
     Model{0x0109, u"VX9-125M", 1280, 964},    Model{0x0110, u"VX10-030M", 640, 492},
     Model{0x0111, u"VX11-1600M", 4092, 4092}, Model{0x0209, u"VX9-125C", 1280, 964},
