@@ -79,7 +79,8 @@ void PaintChart(const Box& box, int x, int y, std::span<Light> row) {
         in_column >= cell_width - gap) {
       return;
     }
-    light = Colour(kPatches[static_cast<std::size_t>(line * kChartColumns + column)]);
+    const int patch = line * kChartColumns + column;
+    light = Colour(kPatches[static_cast<std::size_t>(patch)]);
   });
 }
 
