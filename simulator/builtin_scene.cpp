@@ -60,6 +60,7 @@ void PaintWall(const SceneLayout& layout, int x, int y, std::span<Light> row) {
 }
 
 void PaintChart(const Box& box, int x, int y, std::span<Light> row) {
+  if (y < box.top || y >= box.bottom) return;
   const double cell_width = box.width() / (kChartColumns + 0.2);
   const double cell_height = box.height() / (kChartRows + 0.2);
   // Gaps of the same width both ways, half of them as margin.
@@ -78,7 +79,8 @@ void PaintChart(const Box& box, int x, int y, std::span<Light> row) {
         in_column >= cell_width - gap) {
       return;
     }
-    light = Colour(kPatches[static_cast<std::size_t>(line * kChartColumns + column)]);
+    const int patch = line * kChartColumns + column;
+    light = Colour(kPatches[static_cast<std::size_t>(patch)]);
   });
 }
 

@@ -31,46 +31,46 @@ constexpr std::uint32_t kInCameraColour = 0x7C00;  // BGR24, packed BGR, the thr
 
 struct Model {
   std::uint16_t product_id;
-  SensorSize size;
   std::uint16_t colour_array;
-  std::uint64_t capabilities;
+  SensorSize size;
   std::uint32_t transfer_formats;
-  std::uint16_t scan_modes;
+  std::uint64_t capabilities;
   UsbSpeed speed;
+  std::uint16_t scan_modes;
 };
 
 constexpr UsbSpeed kHigh = UsbSpeed::kHigh;
 constexpr UsbSpeed kSuper = UsbSpeed::kSuper;
 
 constexpr Model kModels[] = {
-    {0x0109, {1280, 964}, 1, kFast, kRaw8To12, 0x8007, kSuper},
-    {0x0110, {640, 492}, 1, kClassicBasic, kRaw8To12, 0x8007, kHigh},
-    {0x0111, {4092, 4092}, 1, kLarge, kRaw8To14, 0x8001, kSuper},
-    {0x0209, {1280, 964}, 2, kFast, kRaw8To12 | kInCameraColour, 0x8007, kSuper},
-    {0x0210, {640, 492}, 2, kClassicBasic, kRaw8To12, 0x8007, kHigh},
-    {0x0211, {4092, 4092}, 3, kLarge, kRaw8To14 | kInCameraColour, 0x8001, kSuper},
-    {0x0305, {640, 480}, 1, kLegacy, 0x0001, 0x0009, kHigh},
-    {0x0310, {1024, 776}, 1, kClassic, kRaw8To12, 0x8007, kHigh},
-    {0x0410, {1024, 776}, 3, kClassic, kRaw8To12, 0x8007, kHigh},
-    {0x0509, {4092, 4092}, 1, kFast, kRaw8To14, 0x8025, kSuper},
-    {0x0510, {1280, 964}, 2, kClassic, kRaw8To12, 0x8007, kHigh},
-    {0x0605, {1024, 768}, 1, kLegacy, 0x0001, 0x0009, kHigh},
-    {0x0609, {4092, 4092}, 2, kFast, kRaw8To14 | kInCameraColour, 0x8025, kSuper},
-    {0x0610, {1280, 964}, 1, kClassic, kRaw8To12, 0x8007, kHigh},
-    {0x0705, {640, 480}, 2, kLegacy, 0x0001, 0x0009, kHigh},
-    {0x0710, {1360, 1040}, 1, kClassic, kRaw8To16, 0x8007, kHigh},
-    {0x0805, {1024, 768}, 2, kLegacy, 0x0001, 0x0009, kHigh},
-    {0x0810, {1360, 1040}, 4, kClassic, kRaw8To12, 0x8007, kHigh},
-    {0x0906, {640, 492}, 1, kCompact, 0x0003, 0x00C3, kHigh},
-    {0x0910, {1600, 1236}, 1, kClassic, kRaw8To12, 0x8007, kHigh},
-    {0x1006, {640, 492}, 5, kCompact, 0x0003, 0x00C3, kHigh},
-    {0x1010, {1600, 1236}, 5, kClassic, kRaw8To12, 0x8007, kHigh},
-    {0x1106, {1024, 776}, 1, kCompact, 0x0003, 0x00C3, kHigh},
-    {0x1206, {1024, 776}, 2, kCompact, 0x0003, 0x00C3, kHigh},
-    {0x1306, {1360, 1040}, 1, kCompact, 0x0003, 0x00C3, kHigh},
-    {0x1406, {1360, 1040}, 3, kCompact, 0x0003, 0x00C3, kHigh},
-    {0x1506, {1600, 1236}, 1, kCompact, 0x0003, 0x00C3, kHigh},
-    {0x1606, {1600, 1236}, 4, kCompact, 0x0003, 0x00C3, kHigh},
+    {0x0109, 1, {1280, 964}, kRaw8To12, kFast, kSuper, 0x8007},
+    {0x0110, 1, {640, 492}, kRaw8To12, kClassicBasic, kHigh, 0x8007},
+    {0x0111, 1, {4092, 4092}, kRaw8To14, kLarge, kSuper, 0x8001},
+    {0x0209, 2, {1280, 964}, kRaw8To12 | kInCameraColour, kFast, kSuper, 0x8007},
+    {0x0210, 2, {640, 492}, kRaw8To12, kClassicBasic, kHigh, 0x8007},
+    {0x0211, 3, {4092, 4092}, kRaw8To14 | kInCameraColour, kLarge, kSuper, 0x8001},
+    {0x0305, 1, {640, 480}, 0x0001, kLegacy, kHigh, 0x0009},
+    {0x0310, 1, {1024, 776}, kRaw8To12, kClassic, kHigh, 0x8007},
+    {0x0410, 3, {1024, 776}, kRaw8To12, kClassic, kHigh, 0x8007},
+    {0x0509, 1, {4092, 4092}, kRaw8To14, kFast, kSuper, 0x8025},
+    {0x0510, 2, {1280, 964}, kRaw8To12, kClassic, kHigh, 0x8007},
+    {0x0605, 1, {1024, 768}, 0x0001, kLegacy, kHigh, 0x0009},
+    {0x0609, 2, {4092, 4092}, kRaw8To14 | kInCameraColour, kFast, kSuper, 0x8025},
+    {0x0610, 1, {1280, 964}, kRaw8To12, kClassic, kHigh, 0x8007},
+    {0x0705, 2, {640, 480}, 0x0001, kLegacy, kHigh, 0x0009},
+    {0x0710, 1, {1360, 1040}, kRaw8To16, kClassic, kHigh, 0x8007},
+    {0x0805, 2, {1024, 768}, 0x0001, kLegacy, kHigh, 0x0009},
+    {0x0810, 4, {1360, 1040}, kRaw8To12, kClassic, kHigh, 0x8007},
+    {0x0906, 1, {640, 492}, 0x0003, kCompact, kHigh, 0x00C3},
+    {0x0910, 1, {1600, 1236}, kRaw8To12, kClassic, kHigh, 0x8007},
+    {0x1006, 5, {640, 492}, 0x0003, kCompact, kHigh, 0x00C3},
+    {0x1010, 5, {1600, 1236}, kRaw8To12, kClassic, kHigh, 0x8007},
+    {0x1106, 1, {1024, 776}, 0x0003, kCompact, kHigh, 0x00C3},
+    {0x1206, 2, {1024, 776}, 0x0003, kCompact, kHigh, 0x00C3},
+    {0x1306, 1, {1360, 1040}, 0x0003, kCompact, kHigh, 0x00C3},
+    {0x1406, 3, {1360, 1040}, 0x0003, kCompact, kHigh, 0x00C3},
+    {0x1506, 1, {1600, 1236}, 0x0003, kCompact, kHigh, 0x00C3},
+    {0x1606, 4, {1600, 1236}, 0x0003, kCompact, kHigh, 0x00C3},
 };
 
 const Model* FindModel(std::uint16_t product_id) {

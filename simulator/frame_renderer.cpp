@@ -21,12 +21,15 @@ FrameRenderer::FrameRenderer(const CameraConfig& config)
   for (auto& samples : stretch_) samples.resize(NoiseSource::kLongestStretch);
 }
 
+void FrameRenderer::Prepare(const std::shared_ptr<const CameraSettings>& settings) {
+  if (settings == settings_) return;
+  if (image_.Configure(settings->image)) ++picture_;
+  settings_ = settings;
+}
+
 void FrameRenderer::Render(const std::shared_ptr<const CameraSettings>& settings,
                            std::uint32_t number, FrameBuffer* frame) {
-  if (settings != settings_) {
-    if (image_.Configure(settings->image)) ++picture_;
-    settings_ = settings;
-  }
+  Prepare(settings);
   image_.MoveTo(number);
   const ImageSettings& image = settings->image;
   frame->bytes.resize(

@@ -33,6 +33,9 @@ class FrameRenderer {
  public:
   explicit FrameRenderer(const CameraConfig& config);
 
+  /// Computes what does not change from frame to frame of these settings, so that the first frame
+  /// does not take longer than the others.
+  void Prepare(const std::shared_ptr<const CameraSettings>& settings);
   /// Puts a frame into a buffer, which it makes large enough.
   void Render(const std::shared_ptr<const CameraSettings>& settings, std::uint32_t number,
               FrameBuffer* frame);

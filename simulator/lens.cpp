@@ -22,7 +22,7 @@ std::uint16_t Blur(const Light* const (&rows)[3], std::size_t left, std::size_t 
 
 }  // namespace
 
-Lens::Lens(SensorSize size, std::shared_ptr<const Picture> picture, std::uint32_t left,
+Lens::Lens(SensorSize size, const std::shared_ptr<const Picture>& picture, std::uint32_t left,
            std::uint32_t columns)
     : size_(size), scene_(size, picture), blurs_(picture == nullptr), left_(left), row_(columns) {
   for (CachedRow& cached : cache_) cached.lights.resize(columns);

@@ -17,7 +17,7 @@ namespace vexa::simulator {
 /// a picture arrives as it is.
 class Lens {
  public:
-  Lens(SensorSize size, std::shared_ptr<const Picture> picture, std::uint32_t left,
+  Lens(SensorSize size, const std::shared_ptr<const Picture>& picture, std::uint32_t left,
        std::uint32_t columns);
 
   /// The light on a row, valid until the next call. Rows are cheapest in ascending or descending

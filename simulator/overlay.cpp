@@ -96,9 +96,9 @@ Sprite MakeDigit(std::size_t digit, int dot) {
   const Light amber = DisplayColour(255, 196, 84);
   for (int y = 0; y < sprite.height; ++y) {
     for (int x = 0; x < sprite.width; ++x) {
-      const auto place = static_cast<std::size_t>(y / dot * kGlyphWidth + x / dot);
+      const int place = y / dot * kGlyphWidth + x / dot;
       sprite.light.push_back(amber);
-      sprite.coverage.push_back(kGlyphs[digit][place] == '#' ? 256 : 0);
+      sprite.coverage.push_back(kGlyphs[digit][static_cast<std::size_t>(place)] == '#' ? 256 : 0);
     }
   }
   return sprite;

@@ -71,7 +71,7 @@ void PackYuvGroup(std::uint32_t format, const Yuv (&p)[4], std::uint8_t* out) {
       out[5] = p[3].y;
       break;
     case kFormatYuv422:
-      for (int pair = 0; pair < 2; ++pair) {
+      for (std::size_t pair = 0; pair < 2; ++pair) {
         const Yuv& first = p[2 * pair];
         const Yuv& second = p[2 * pair + 1];
         out[4 * pair] = Mean(first.u + second.u, 2);
@@ -81,7 +81,7 @@ void PackYuvGroup(std::uint32_t format, const Yuv (&p)[4], std::uint8_t* out) {
       }
       break;
     default:
-      for (int i = 0; i < 4; ++i) {
+      for (std::size_t i = 0; i < 4; ++i) {
         out[3 * i] = static_cast<std::uint8_t>(p[i].u);
         out[3 * i + 1] = p[i].y;
         out[3 * i + 2] = static_cast<std::uint8_t>(p[i].v);

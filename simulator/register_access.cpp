@@ -77,7 +77,7 @@ Answer CameraState::AccessRegisters(const ControlRequest& request, std::span<std
   if (request.device_to_host()) {
     for (std::uint16_t i = 0; i < count; ++i) {
       const auto number = static_cast<std::uint16_t>(target.first + i);
-      StoreLe16(reply, 2u * i, ReadRegister(target.block, number, software_status));
+      StoreLe16(reply, std::size_t{2} * i, ReadRegister(target.block, number, software_status));
     }
     answer.returned = request.length;
     return answer;
@@ -88,7 +88,7 @@ Answer CameraState::AccessRegisters(const ControlRequest& request, std::span<std
   for (std::uint16_t i = 0; i < count; ++i) {
     const auto number = static_cast<std::uint16_t>(target.first + i);
     const StreamCommand command =
-        WriteRegister(target.block, number, LoadLe16(request.data, 2u * i));
+        WriteRegister(target.block, number, LoadLe16(request.data, std::size_t{2} * i));
     if (command != StreamCommand::kNone) answer.command = command;
   }
   answer.settings_changed = true;

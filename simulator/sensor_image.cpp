@@ -33,8 +33,10 @@ bool SensorImage::Configure(const ImageSettings& settings) {
 
 std::size_t SensorImage::CurveOf(std::size_t plane, std::uint32_t sensor_x,
                                  std::uint32_t sensor_y) const {
-  constexpr std::size_t kCurveOfColour[] = {0, 1, 3};
-  if (HasColourFrames()) return kCurveOfColour[plane];
+  if (HasColourFrames()) {
+    constexpr Filter kFilterOfColour[] = {Filter::kRed, Filter::kGreenRed, Filter::kBlue};
+    return static_cast<std::size_t>(kFilterOfColour[std::min<std::size_t>(plane, 2)]);
+  }
   if (config_.colour_array == 1) return 1;
   return static_cast<std::size_t>(FilterAt(config_.colour_array, sensor_x, sensor_y));
 }
@@ -81,7 +83,7 @@ void SensorImage::ExposeRow(std::size_t y, Lens* lens, std::vector<std::uint32_t
       }
     }
   }
-  const std::uint32_t pixels = columns.bin() * sampling_.rows.bin();
+  const std::uint32_t pixels = std::max(columns.bin() * sampling_.rows.bin(), 1u);
   for (std::size_t p = 0; p < planes_.size(); ++p) {
     for (std::size_t x = 0; x < width(); ++x) {
       planes_[p].drive[y * width() + x] =

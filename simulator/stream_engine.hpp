@@ -102,6 +102,7 @@ class StreamEngine {
   void Finish(const Read& read, Status status, std::size_t bytes);
 
   void Run();
+  void PrepareScene(Lock& lock);
   bool FailRead(Lock& lock);
   bool SendPart(Lock& lock);
   bool Expose(Lock& lock);

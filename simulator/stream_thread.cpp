@@ -23,10 +23,25 @@ void CopyPart(const std::vector<std::uint8_t>& frame, std::size_t begin,
 
 void StreamEngine::Run() {
   Lock lock(mutex_);
+  PrepareScene(lock);
   while (!stop_) {
     if (FailRead(lock) || SendPart(lock) || Expose(lock)) continue;
     Await(lock);
   }
+}
+
+// A camera is warm when its stream begins: what the twin has to compute first must not make its
+// first frames late.
+void StreamEngine::PrepareScene(Lock& lock) {
+  const std::shared_ptr<const CameraSettings> settings = settings_;
+  lock.unlock();
+  try {
+    renderer_.Prepare(settings);
+  } catch (const std::bad_alloc&) {
+    // The frames that are too large for this machine will be lost one by one.
+  }
+  lock.lock();
+  next_frame_ = Clock::now() + settings_->timing.period;
 }
 
 bool StreamEngine::FailRead(Lock& lock) {

@@ -190,7 +190,9 @@ void TwinCamera::CancelReads(const void* device) {
     const std::lock_guard lock(mutex_);
     stops_stream = !HasStreamControl();
   }
-  if (stops_stream && engine_.PendingReads() == 0) engine_.Stop(error::kOperationAborted);
+  if (!stops_stream) return;
+  engine_.AwaitService(device);
+  if (engine_.PendingReads() == 0) engine_.Stop(error::kOperationAborted);
 }
 
 }  // namespace vexa::simulator

@@ -5,9 +5,15 @@
 #include "text.hpp"
 
 namespace vexa::tool {
+namespace {
 
-Camera::Camera(Camera&& other) noexcept
-    : handle_(std::exchange(other.handle_, INVALID_HANDLE_VALUE)) {}
+HANDLE NoCamera() {
+  return INVALID_HANDLE_VALUE;  // NOLINT(performance-no-int-to-ptr): that is what the value is
+}
+
+}  // namespace
+
+Camera::Camera(Camera&& other) noexcept : handle_(std::exchange(other.handle_, NoCamera())) {}
 
 Camera& Camera::operator=(Camera&& other) noexcept {
   std::swap(handle_, other.handle_);
@@ -20,8 +26,8 @@ OpenedCameras OpenCameras(std::size_t limit) {
   OpenedCameras opened;
   while (opened.cameras.size() < limit) {
     // Vexa_Open() takes the first free camera: the handles stay open so that the next is another.
-    const HANDLE handle = Vexa_Open();
-    if (handle == INVALID_HANDLE_VALUE) {
+    HANDLE handle = Vexa_Open();
+    if (handle == NoCamera()) {
       opened.code = GetLastError();
       break;
     }

@@ -8,14 +8,14 @@ namespace vexa::tool {
 namespace {
 
 constexpr TransferFormat kFormats[] = {
-    {VEXA_TRANSFER_8BIT, "8bit", 2},       {VEXA_TRANSFER_10BIT, "10bit", 4},
-    {VEXA_TRANSFER_12BIT, "12bit", 4},     {VEXA_TRANSFER_14BIT, "14bit", 4},
-    {VEXA_TRANSFER_16BIT, "16bit", 4},     {VEXA_TRANSFER_8BIT_B, "8bit-b", 2},
-    {VEXA_TRANSFER_10BIT_B, "10bit-b", 4}, {VEXA_TRANSFER_12BIT_B, "12bit-b", 4},
-    {VEXA_TRANSFER_14BIT_B, "14bit-b", 4}, {VEXA_TRANSFER_16BIT_B, "16bit-b", 4},
-    {VEXA_TRANSFER_BGR24, "bgr24", 6},     {VEXA_TRANSFER_BGR30, "bgr30", 8},
-    {VEXA_TRANSFER_YUV411, "yuv411", 3},   {VEXA_TRANSFER_YUV422, "yuv422", 4},
-    {VEXA_TRANSFER_YUV444, "yuv444", 6},
+    {VEXA_TRANSFER_8BIT, 2, "8bit"},       {VEXA_TRANSFER_10BIT, 4, "10bit"},
+    {VEXA_TRANSFER_12BIT, 4, "12bit"},     {VEXA_TRANSFER_14BIT, 4, "14bit"},
+    {VEXA_TRANSFER_16BIT, 4, "16bit"},     {VEXA_TRANSFER_8BIT_B, 2, "8bit-b"},
+    {VEXA_TRANSFER_10BIT_B, 4, "10bit-b"}, {VEXA_TRANSFER_12BIT_B, 4, "12bit-b"},
+    {VEXA_TRANSFER_14BIT_B, 4, "14bit-b"}, {VEXA_TRANSFER_16BIT_B, 4, "16bit-b"},
+    {VEXA_TRANSFER_BGR24, 6, "bgr24"},     {VEXA_TRANSFER_BGR30, 8, "bgr30"},
+    {VEXA_TRANSFER_YUV411, 3, "yuv411"},   {VEXA_TRANSFER_YUV422, 4, "yuv422"},
+    {VEXA_TRANSFER_YUV444, 6, "yuv444"},
 };
 
 constexpr NamedCode kMethods[] = {

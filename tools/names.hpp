@@ -21,8 +21,8 @@ struct NamedCode {
 /** One layout of the frames that a camera sends. */
 struct TransferFormat {
   std::uint32_t code;              /**< VEXA_TRANSFER_ code. */
-  const char* name;                /**< The word for it on the command line. */
   std::uint32_t half_bytes_per_px; /**< Twice the bytes per pixel: one layout has 1.5. */
+  const char* name;                /**< The word for it on the command line. */
 };
 
 /** Every transfer format, in the order of their codes. */

@@ -139,7 +139,7 @@ void AddStreamOptions(CLI::App& app, StreamOptions& options) {
   app.add_option("--timeout", options.timeout_s, "Longest wait for a frame in seconds, 0: no limit")
       ->type_name("S")
       ->check(NumberIn(0, 86400).description(""));
-  app.add_flag("-q,--quiet", options.quiet, "No progress");
+  app.add_flag("-q,--quiet", options.quiet, "No progress and no summary");
 }
 
 void AddMethodOption(CLI::App& app, CaptureOptions& options) {

@@ -21,6 +21,9 @@ class Progress {
  public:
   /** @param quiet shows nothing. */
   explicit Progress(bool quiet);
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+  ~Progress() { Finish(); }
 
   /** Shows the present state when it is time to. */
   void Update(const StreamCounts& counts, const std::string& extra);

@@ -10,9 +10,9 @@
 namespace vexa::transfer {
 namespace {
 
-// A driver that answers 31 to a reset is asked again, and one that refuses a read for lack of some
-// resource is offered it again, after this pause: a time-critical thread that spins would keep the
-// driver itself from running on a machine with one processor.
+// A driver that answers 31 to a reset, refuses a read for lack of some resource or fails a read is
+// asked again after this pause: a time-critical thread that spins would keep the driver itself, and
+// the application's stop, from running on a machine with few processors.
 constexpr std::uint32_t kRetryPauseMs = 1;
 
 // A read refused this often in a row will not be taken any more; the device counts as lost.
@@ -136,7 +136,8 @@ ReadPipeline::Next ReadPipeline::Finish(ReadRequest& request) {
   }
   // The transfer that failed is handed over as one without bytes: the frame it belonged to is lost
   // and will be reported as such.
-  return HandOver(request, 0);
+  const Next next = HandOver(request, 0);
+  return platform::Wait(stop_, kRetryPauseMs) ? Next::kEnd : next;
 }
 
 ReadPipeline::Next ReadPipeline::HandOver(ReadRequest& request, std::size_t received) {

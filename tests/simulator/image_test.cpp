@@ -356,6 +356,23 @@ TEST(TwinScene, ShowsTheChartAndMovesItsParts) {
   EXPECT_TRUE(counter);
 }
 
+TEST(TwinScene, FillsSensorsOfAnySize) {
+  const SensorSize sizes[] = {{1, 1}, {2, 2}, {7, 5}, {64, 48}, {5001, 6}, {6, 3000}};
+  for (const SensorSize& size : sizes) {
+    SCOPED_TRACE(testing::Message() << size.width << "x" << size.height);
+    CameraConfig config = ForProduct(0x0610);
+    config.pace = Pace::kFastest;
+    config.max_width = size.width;
+    config.max_height = size.height;
+    TwinRig rig(config);
+    rig.SetRegister(63, 3);
+    rig.Start();
+    for (int i = 0; i < 3; ++i) {
+      ASSERT_EQ(rig.Frame().size(), 64u + size.width * size.height);
+    }
+  }
+}
+
 TEST(TwinScene, PnmFilesAreReadOrTheirFaultNamed) {
   using namespace std::string_literals;
   const struct {

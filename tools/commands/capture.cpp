@@ -113,6 +113,10 @@ ExitCode Conclude(StreamEnd end, const StreamCounts& counts, const FrameSettings
 
 ExitCode RunCapture(const CaptureOptions& options) {
   const OutputPattern pattern = CheckedPattern(options);
+  if (const auto& format = options.stream.settings.format) {
+    // What cannot be saved is refused before the camera is changed; the sensor plays no part in it.
+    static_cast<void>(PlanSaving(pattern.type(), *format, VEXA_COLOR_ARRAY_RGGB, options.method));
+  }
   const Camera camera = OpenCamera(options.stream.camera);
   PrintNotes(ApplySettings(camera, options.stream.settings));
   const FrameSettings settings = ReadFrameSettings(camera);

@@ -114,8 +114,9 @@ Section GeometrySection(const Camera& camera, const FrameSettings& settings) {
   pair("skipping", "Skipping", horizontal_skipping, vertical_skipping);
   pair("binning", "Binning", horizontal_binning, vertical_binning);
   BYTE mirror = 0;
-  camera.Call("Vexa_GetMirrorMode", Vexa_GetMirrorMode, &mirror);
-  facts.push_back(HexFact("mirror_mode", "Mirror mode", mirror));
+  const bool mirrors = camera.TryCall("Vexa_GetMirrorMode", Vexa_GetMirrorMode, &mirror);
+  facts.push_back(HexFact("mirror_mode", "Mirror mode",
+                          mirrors ? std::optional<std::uint32_t>(mirror) : std::nullopt));
   return {"geometry", "Geometry", facts};
 }
 

@@ -118,9 +118,9 @@ ExitCode RunStats(const StatsOptions& options) {
   const StreamEnd end =
       WatchStream(stream, progress,
                   {.timeout_s = timeout_s, .run_s = options.seconds, .failed = {}, .status = {}});
-  const double wall_s = std::chrono::duration<double>(Clock::now() - stream.start_time()).count();
   stream.Stop();
   const double cpu_s = ProcessCpuSeconds() - cpu_before;
+  const double wall_s = std::chrono::duration<double>(Clock::now() - stream.start_time()).count();
   progress.Finish();
   const StreamCounts counts = stream.Counts();
   const std::vector<Section> sections = {StreamSection(end, counts),

@@ -67,6 +67,7 @@ class QueueRegistry {
     const std::lock_guard lock(mutex_);
     next_number_ += kNumberStep;
     queues_.emplace(next_number_, std::move(queue));
+    // A name in the form of a pointer, never followed. NOLINTNEXTLINE(performance-no-int-to-ptr)
     return reinterpret_cast<void*>(next_number_);
   }
 

@@ -1,13 +1,9 @@
 // Requests, registers and settings: the exact bytes on the wire, and what is refused without them.
 
 #include <array>
-#include <cmath>
 #include <functional>
 
-#include "camera_fixture.hpp"
-#include "settings/gain_curve.hpp"
-#include "transfer/frame_layout.hpp"
-#include "transfer/trigger_waits.hpp"
+#include "settings_fixture.hpp"
 
 namespace vexa::test {
 namespace {
@@ -17,24 +13,9 @@ using simulator::ForProduct;
 using ::testing::ElementsAre;
 using Lines = std::vector<std::string>;
 
-class SettingsTest : public CameraTest {
- protected:
-  // A camera with every capability.
-  HANDLE OpenComplete(std::uint16_t product_id = 0x0510) {
-    CameraConfig config = ForProduct(product_id);
-    config.capabilities =
-        ~std::uint64_t{1ULL << 48 | 1ULL << 20};  // the host computes limits, rate
-    config.transfer_formats = 0x0007;
-    twin_ = Plug(config);
-    HANDLE camera = Open();
-    twin_->ClearLog();
-    return camera;
-  }
+class RequestTest : public SettingsTest {};
 
-  std::shared_ptr<simulator::TwinCamera> twin_;
-};
-
-TEST_F(SettingsTest, RequestsOnTheWire) {
+TEST_F(RequestTest, RequestsOnTheWire) {
   HANDLE camera = OpenComplete();
   std::array<BYTE, 16> data{1, 2, 3, 4, 5, 6, 7, 8};
   DWORD value = 0;
@@ -142,7 +123,7 @@ TEST_F(SettingsTest, RequestsOnTheWire) {
   EXPECT_EQ(returned, 10U);
 }
 
-TEST_F(SettingsTest, LargeRequestsFollowTheRecordRules) {
+TEST_F(RequestTest, LargeRequestsFollowTheRecordRules) {
   HANDLE camera = OpenComplete();
   std::vector<BYTE> data(1024);
   struct Case {
@@ -161,7 +142,7 @@ TEST_F(SettingsTest, LargeRequestsFollowTheRecordRules) {
   }
 }
 
-TEST_F(SettingsTest, RefusesWithoutSending) {
+TEST_F(RequestTest, RefusesWithoutSending) {
   CameraConfig bare = ForProduct(0x0510);
   bare.capabilities = 0;
   bare.transfer_formats = 1;
@@ -223,7 +204,7 @@ TEST_F(SettingsTest, RefusesWithoutSending) {
   EXPECT_EQ(Wire(*legacy_twin).size(), 1U);
 }
 
-TEST_F(SettingsTest, FailedRequestsPassTheirCodeOnAndStopTheSequence) {
+TEST_F(RequestTest, FailedRequestsPassTheirCodeOnAndStopTheSequence) {
   HANDLE camera = OpenComplete();
   ASSERT_TRUE(Vexa_SetTransferBitsPerPixel(camera, 1));
   twin_->ClearLog();
@@ -252,143 +233,7 @@ TEST_F(SettingsTest, FailedRequestsPassTheirCodeOnAndStopTheSequence) {
   EXPECT_EQ(colour, 5) << "the colour array follows the mode asked for";
 }
 
-TEST_F(SettingsTest, ScanModeAndExposureLimits) {
-  HANDLE camera = OpenComplete();
-  EXPECT_TRUE(Vexa_SetScanMode(camera, 1, 16, 8, 640, 480));
-  const Lines wire = Wire(*twin_);
-  ASSERT_EQ(wire.size(), 2U);
-  EXPECT_EQ(wire[0].substr(0, 91),
-            "40 12 0000 0000 [40 12 53 43 56 31 80 02 00 00 E0 01 00 00 10 00 00 00 08 00 00 00 "
-            "01 00 00");
-  WORD lines = 0, clocks = 0;
-  DWORD shutter = 0, shortest = 0, longest = 0;
-  EXPECT_TRUE(Vexa_GetFrameClock(camera, &lines, &clocks));
-  EXPECT_TRUE(Vexa_GetShutterMaxClock(camera, &shutter));
-  EXPECT_TRUE(Vexa_GetMaxShortExposureClock(camera, &shortest));
-  EXPECT_TRUE(Vexa_GetMaxLongExposureClock(camera, &longest));
-  EXPECT_EQ(shutter, clocks - 1U);
-  EXPECT_EQ(shortest, DWORD{lines} * clocks);
-  EXPECT_EQ(longest, 4090U * clocks);
-  // In the skipping and binning mode the longest exposure is one frame.
-  EXPECT_TRUE(Vexa_SetScanMode(camera, 0x8000, 0, 0, 640, 480));
-  EXPECT_TRUE(Vexa_GetFrameClock(camera, &lines, &clocks));
-  EXPECT_TRUE(Vexa_GetMaxLongExposureClock(camera, &longest));
-  EXPECT_EQ(longest, DWORD{lines} * clocks);
-}
-
-TEST_F(SettingsTest, ExposureTravelsAsLinesAndRemainder) {
-  HANDLE camera = OpenComplete();
-  DWORD shutter = 0;
-  ASSERT_TRUE(Vexa_GetShutterMaxClock(camera, &shutter));
-  const DWORD line = shutter + 1;
-  std::array<BYTE, 64> before{};
-  ASSERT_TRUE(Vexa_VendorRequest(camera, 0xC0, 0x21, 0, 0, 64, before.data(), nullptr));
-  const DWORD exposure = 70000 * line + 500;  // more lines than 16 bits hold
-  EXPECT_TRUE(Vexa_SetExposureClock(camera, exposure));
-  const Lines wire = Wire(*twin_);
-  ASSERT_EQ(wire.size(), 3U);
-  std::string expected = "40 21 0000 0000 [";
-  before[2] = 70000 & 0xFF;
-  before[3] = (70000 >> 8) & 0xFF;
-  before[10] = 1;
-  before[11] = 0;
-  before[4] = 500 & 0xFF;
-  before[5] = 500 >> 8;
-  for (std::size_t i = 0; i < before.size(); ++i) {
-    char text[8];
-    std::snprintf(text, sizeof text, "%s%02X", i == 0 ? "" : " ", before[i]);
-    expected += text;
-  }
-  EXPECT_EQ(wire[2], expected + "]") << "all other bytes go back as they came";
-  EXPECT_TRUE(Vexa_SetExposureClock(camera, 2 * line + 500));
-  DWORD clock = 0;
-  EXPECT_TRUE(Vexa_GetExposureClock(camera, &clock));
-  EXPECT_EQ(clock, 2 * line + 500);
-  clock = 5;
-  twin_->FailControl({.request = 0x21}, 121, 1);
-  EXPECT_FALSE(Vexa_GetExposureClock(camera, &clock));
-  EXPECT_EQ(clock, 5U);
-}
-
-TEST_F(SettingsTest, ExposureTimesAndFrameRate) {
-  HANDLE camera = OpenComplete();
-  DWORD frequency = 0, longest = 0, shortest = 0, clock = 0;
-  WORD lines = 0, clocks = 0;
-  float seconds = -1, fps = 0;
-  ASSERT_TRUE(Vexa_SetScanMode(camera, 4, 0, 0, 640, 480));
-  ASSERT_TRUE(Vexa_GetClock(camera, nullptr, &frequency));
-  ASSERT_TRUE(Vexa_GetMaxLongExposureClock(camera, &longest));
-  ASSERT_TRUE(Vexa_GetMaxShortExposureClock(camera, &shortest));
-  ASSERT_TRUE(Vexa_GetFrameClock(camera, &lines, &clocks));
-  struct Case {
-    float seconds;
-    double clock;
-  };
-  for (const Case& test :
-       {Case{0, 1}, Case{-1, 1}, Case{NAN, 1}, Case{1e9F, double(longest)},
-        Case{INFINITY, double(longest)}, Case{0.001F, frequency * double(0.001F)}}) {
-    EXPECT_TRUE(Vexa_GetExposureClockFromTime(camera, test.seconds, &clock));
-    EXPECT_EQ(clock, static_cast<DWORD>(test.clock)) << test.seconds;
-  }
-  EXPECT_TRUE(Vexa_GetExposureTimeFromClock(camera, 0, &seconds));
-  EXPECT_FLOAT_EQ(seconds, static_cast<float>(double(shortest) / frequency));
-  EXPECT_TRUE(Vexa_GetExposureTimeFromClock(camera, 0xFFFFFFFF, &seconds));
-  EXPECT_FLOAT_EQ(seconds, static_cast<float>(double(longest) / frequency));
-
-  // In this mode an exposure of three frames makes the rate a third.
-  ASSERT_TRUE(Vexa_SetExposureClock(camera, 10));
-  EXPECT_TRUE(Vexa_GetOutputFPS(camera, &fps));
-  EXPECT_FLOAT_EQ(fps, static_cast<float>(double(frequency) / shortest));
-  ASSERT_TRUE(Vexa_SetExposureClock(camera, 3 * shortest));
-  EXPECT_TRUE(Vexa_GetOutputFPS(camera, &fps));
-  EXPECT_FLOAT_EQ(fps, static_cast<float>(double(frequency) / (3.0 * shortest)));
-  twin_->FailControl({.request = 0x22}, 121, 1);
-  EXPECT_FALSE(Vexa_GetOutputFPS(camera, &fps));
-  EXPECT_EQ(fps, 0.0F);
-  twin_->FailControl({.request = 0x22}, 121, 1);
-  EXPECT_FALSE(Vexa_GetExposureClockFromTime(camera, 1, &clock));
-  EXPECT_EQ(GetLastError(), 121U);
-}
-
-TEST_F(SettingsTest, ExposureOfTheLargeSensorsCountsBinnedLines) {
-  HANDLE camera = OpenComplete(0x0111);
-  DWORD frequency = 0, clock = 0, width = 0;
-  float seconds = 0;
-  ASSERT_TRUE(Vexa_GetClock(camera, nullptr, &frequency));
-  struct Case {
-    BYTE horizontal, vertical;
-    double blanking, k;
-  };
-  for (const Case& test : {Case{0, 0, 450, 0}, Case{1, 0, 430, 0}, Case{0, 1, 796, 1},
-                           Case{3, 2, 1458, 3}, Case{2, 5, 1458, 3}}) {
-    ASSERT_TRUE(Vexa_SetSkippingAndBinning(camera, 0, 0, test.horizontal, test.vertical));
-    ASSERT_TRUE(Vexa_GetScanMode(camera, nullptr, nullptr, nullptr, &width, nullptr));
-    const double period = 2 * std::max(std::floor(width / 2.0) + test.blanking, 346 * test.k + 486);
-    const double offset = 416 * test.k + 426;
-    EXPECT_TRUE(Vexa_GetExposureClockFromTime(camera, 0.01F, &clock));
-    EXPECT_EQ(clock, static_cast<DWORD>(
-                         static_cast<float>((frequency * double(0.01F) + offset) / period)));
-    EXPECT_TRUE(Vexa_GetExposureTimeFromClock(camera, clock, &seconds));
-    EXPECT_FLOAT_EQ(seconds, static_cast<float>((period * clock - offset) / frequency));
-  }
-  twin_->FailControl({.request = 0x80}, 121, 1);
-  EXPECT_FALSE(Vexa_GetExposureTimeFromClock(camera, 1, &seconds));
-}
-
-TEST_F(SettingsTest, FrameRateMeasuredByTheCamera) {
-  CameraConfig config = ForProduct(0x0109);
-  config.capabilities |= 1ULL << 20;
-  const auto twin = Plug(config);
-  HANDLE camera = Open();
-  twin->ClearLog();
-  float fps = 0;
-  EXPECT_TRUE(Vexa_GetOutputFPS(camera, &fps));
-  EXPECT_THAT(Wire(*twin), ElementsAre("C0 80 00D6 0000 +4"));
-  EXPECT_EQ(fps,
-            static_cast<float>(twin->PeekRegister(0, 87) + twin->PeekRegister(0, 86) / 65536.0));
-}
-
-TEST_F(SettingsTest, ColourArrayFollowsTheMirror) {
+TEST_F(RequestTest, ColourArrayFollowsTheMirror) {
   for (std::uint16_t sensor = 1; sensor <= 5; ++sensor) {
     CameraConfig config = ForProduct(0x0510);
     config.colour_array = sensor;
@@ -408,84 +253,6 @@ TEST_F(SettingsTest, ColourArrayFollowsTheMirror) {
     Close(camera);
     bus_.Remove(twin);
   }
-}
-
-TEST_F(SettingsTest, GainCurves) {
-  using settings::GainCurve;
-  struct Case {
-    GainCurve curve;
-    std::uint16_t gain;
-    double decibel;
-  };
-  for (const Case& test :
-       {Case{GainCurve::kLinear, 0, -2.36}, Case{GainCurve::kLinear, 100, 10.84},
-        Case{GainCurve::kLinearOffset, 0, 11.00864}, Case{GainCurve::kTwoSegment, 0, 0},
-        Case{GainCurve::kTwoSegment, 20, 20 * std::log10(3.5)},
-        Case{GainCurve::kTwoSegment, 21, 20 * std::log10(3.9375)}}) {
-    const float decibel = settings::GainToDecibel(test.curve, test.gain);
-    EXPECT_NEAR(decibel, test.decibel, 1e-5);
-    const int back = settings::DecibelToGain(test.curve, decibel, 1023);
-    EXPECT_TRUE(back == test.gain || back == test.gain - 1) << back;
-  }
-  const auto decibel_of = [](double n) { return static_cast<float>(20 * std::log10(n / 64)); };
-  EXPECT_EQ(settings::DecibelToGain(GainCurve::kTwoSegment, decibel_of(184.5), 1023), 15);
-  EXPECT_EQ(settings::DecibelToGain(GainCurve::kTwoSegment, decibel_of(252.5), 1023), 21);
-  for (const GainCurve curve :
-       {GainCurve::kLinear, GainCurve::kLinearOffset, GainCurve::kTwoSegment}) {
-    EXPECT_EQ(settings::DecibelToGain(curve, -200, 500), 0);
-    EXPECT_EQ(settings::DecibelToGain(curve, NAN, 500), 0);
-    EXPECT_EQ(settings::DecibelToGain(curve, 1e30F, 500), 500);
-  }
-}
-
-TEST_F(SettingsTest, FrameSizes) {
-  struct Format {
-    std::uint32_t code;
-    double factor;
-  };
-  for (const Format& format : {Format{0x0001, 1},
-                               {0x0002, 2},
-                               {0x0004, 2},
-                               {0x0008, 2},
-                               {0x0010, 2},
-                               {0x0020, 1},
-                               {0x0040, 2},
-                               {0x0080, 2},
-                               {0x0100, 2},
-                               {0x0200, 2},
-                               {0x0400, 3},
-                               {0x0800, 4},
-                               {0x1000, 1.5},
-                               {0x2000, 2},
-                               {0x4000, 3},
-                               {0x8000, 1},
-                               {0x0003, 1}}) {
-    EXPECT_EQ(transfer::ImageSize(format.code, 64, 48), 64 * 48 * format.factor) << format.code;
-  }
-  EXPECT_EQ(transfer::ImageSize(0x1000, 3, 3), 13U);
-
-  using device::UsbSpeed;
-  struct Layout {
-    std::uint32_t header, image;
-    UsbSpeed speed;
-    std::uint32_t limit;
-    std::size_t buffer, read;
-  };
-  for (const Layout& test : {Layout{64, 1310720, UsbSpeed::kHigh, 0x80000, 1311232, 0x80000},
-                             {0, 1000, UsbSpeed::kSuper, 0x80000, 16384, 16384},
-                             {64, 448, UsbSpeed::kHigh, 0x80000, 1024, 1024},
-                             {64, 449, UsbSpeed::kFull, 0x80000, 1024, 1024},
-                             {64, 32704, UsbSpeed::kSuper, 4096, 33792, 4096}}) {
-    const auto layout = transfer::MakeFrameLayout(test.header, test.image, test.speed, test.limit);
-    EXPECT_EQ(layout.buffer, test.buffer);
-    EXPECT_EQ(layout.read_length, test.read);
-  }
-  EXPECT_THROW(static_cast<void>(transfer::MakeFrameLayout(64, ~0ULL / 2, UsbSpeed::kHigh, 4096)),
-               std::bad_alloc);
-  EXPECT_EQ(transfer::CombineTimeOuts(1000, 5000), 6000U);
-  EXPECT_EQ(transfer::CombineTimeOuts(0xFFFFFFF0, 0x20), 0xFFFFFFFEU);
-  EXPECT_EQ(transfer::CombineTimeOuts(0xFFFFFFF0, 0x0F), 0xFFFFFFFEU);
-  EXPECT_EQ(transfer::CombineTimeOuts(INFINITE, 1), INFINITE);
 }
 
 }  // namespace
