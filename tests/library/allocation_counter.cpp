@@ -7,14 +7,22 @@
 namespace {
 
 std::atomic<std::uint64_t> allocations = 0;
+thread_local std::uint64_t allocated_bytes = 0;
+thread_local std::uint64_t until_failure = 0;
 
 }  // namespace
 
 std::uint64_t vexa::test::Allocations() { return allocations; }
+std::uint64_t vexa::test::AllocatedBytes() { return allocated_bytes; }
+void vexa::test::FailAllocation(std::uint64_t n) { until_failure = n; }
 
 // The array and nothrow forms of the standard library call these two.
 void* operator new(std::size_t size) {
   ++allocations;
+  allocated_bytes += size;
+  if (until_failure > 0 && --until_failure == 0) {
+    throw std::bad_alloc();
+  }
   if (void* memory = std::malloc(size == 0 ? 1 : size)) {
     return memory;
   }

@@ -1,5 +1,5 @@
 /// \file
-/// How often this program has allocated memory.
+/// How often this program has allocated memory, and how much.
 #pragma once
 
 #include <cstdint>
@@ -8,5 +8,11 @@ namespace vexa::test {
 
 /// Calls of operator new so far, by any thread.
 std::uint64_t Allocations();
+
+/// Bytes that this thread has asked operator new for so far.
+std::uint64_t AllocatedBytes();
+
+/// Lets the n-th allocation of this thread from now on fail; 0 lets none.
+void FailAllocation(std::uint64_t n);
 
 }  // namespace vexa::test

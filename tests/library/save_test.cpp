@@ -117,7 +117,7 @@ TEST_F(SaveTest, ExtensionChoosesTheType) {
   for (const char* name : {"a.bmp", "a.png", "a.x", "a.rawx", "a.raw.bmp", "data.1/img"}) {
     EXPECT_EQ(size_of(name), 1078U + 8) << name;
   }
-  for (const char* name : {"b.tif", "b.TIFF", "b.t", "b.jpg", "b.Jpeg", "b.j"}) {
+  for (const char* name : {"b.tif", "b.TIFF", "b.t"}) {
     EXPECT_EQ(size_of(name), 0U) << name;
     EXPECT_EQ(GetLastError(), 50U) << name;
     EXPECT_FALSE(Exists(name)) << name;

@@ -234,7 +234,7 @@ class WithCameras(EndToEnd):
             (1, ["capture", "--format", "bgr30", "-o", "a.raw"], ["87 (", "8bit, 10bit, 12bit"]),
             (1, ["capture", "--roi", "0,0,9999,480"], ["Vexa_SetScanMode", "1280 x 964"]),
             (1, ["capture", "-o", "no/folder/a.bmp"], ["Vexa_SaveImageW", "110 (", "folder"]),
-            (1, ["capture", "-o", "a.jpg"], ["50 (not supported)", ".bmp"]),
+            (1, ["capture", "-o", "a.tif"], ["50 (not supported)", ".bmp"]),
             (1, ["capture", "-o", full, "--overwrite"], ["incomplete", "space"]),
             (3, ["info", "--camera", 9], ["index 9", "2 free", "259 ("]),
         ]
