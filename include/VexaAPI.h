@@ -740,10 +740,11 @@ VEXA_API BOOL VEXA_CALL Vexa_ColorInterpolation(DWORD width, DWORD height, WORD 
 
 /**
  * Saves an image; the file name's extension (after the last ".") chooses the file type: "RAW" (also
- * a shorter beginning of it, or nothing after the ".") the bare bytes; "JPG" and "JPEG" (and shorter
- * beginnings) a baseline JPEG file, grey or with chrominance at half the horizontal resolution;
- * "TIF" and "TIFF" (and shorter beginnings) are reserved for that type, which this version does not
- * write; every other extension a Windows bitmap. Upper and lower case of A to Z are the same.
+ * a shorter beginning of it, or nothing after the ".") the bare bytes; "JPG" and "JPEG" (and
+ * shorter beginnings) a baseline JPEG file, grey or with chrominance at half the horizontal
+ * resolution; "TIF" and "TIFF" (and shorter beginnings) are reserved for that type, which this
+ * version does not write; every other extension a Windows bitmap. Upper and lower case of A to Z
+ * are the same.
  *
  * @param width        pixels per row.
  * @param height       rows.

@@ -210,7 +210,7 @@ void CJPEGEncoder::ConvertColours(std::int32_t mcu_row) {
 }
 
 void CJPEGEncoder::Transform() {
-  const std::ptrdiff_t mcu_step = std::ptrdiff_t{blocks_per_mcu_} * kBlockSize;
+  const std::ptrdiff_t mcu_step = std::ptrdiff_t{kBlockSize} * blocks_per_mcu_;
   auto* coefficients = reinterpret_cast<std::int16_t*>(coefficients_.data());
   for (CJPEGColorComponent& component : components()) {
     const ComponentSettings& settings = component.settings();
