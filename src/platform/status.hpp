@@ -43,6 +43,8 @@ inline constexpr Status kIoPending{997};              // ERROR_IO_PENDING
 inline constexpr Status kPossibleDeadlock{1131};      // ERROR_POSSIBLE_DEADLOCK
 inline constexpr Status kNoUnicodeTranslation{1113};  // ERROR_NO_UNICODE_TRANSLATION
 inline constexpr Status kDeviceNotConnected{1167};    // ERROR_DEVICE_NOT_CONNECTED
+/// No system code: a failure that leaves the caller's last error as it is.
+inline constexpr Status kLastErrorKept{0xFFFFFFFF};
 }  // namespace error
 
 }  // namespace vexa
