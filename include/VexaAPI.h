@@ -735,6 +735,44 @@ VEXA_API BOOL VEXA_CALL Vexa_ColorInterpolation(DWORD width, DWORD height, WORD 
                                                 DWORD output_format);
 /**@}*/
 
+/** @defgroup drawing Drawing */
+/**@{*/
+
+/**
+ * Draws a part of an image into a device context: pixel by pixel when source and destination have
+ * the same size, else stretched by repeating or leaving out rows and columns (the stretch mode of
+ * the device context is the same afterwards). What lies outside the image or the device is left
+ * out.
+ *
+ * @param camera             the camera, whose drawing object is used; it need not be transferring.
+ * @param device_context     on Windows GDI's, elsewhere a drawing surface (VexaHost.h).
+ * @param destination_x      left edge in the device context, logical units.
+ * @param destination_y      top edge.
+ * @param destination_width  negative draws to the left of destination_x, mirrored (stretched only).
+ * @param destination_height negative draws upwards from destination_y, mirrored (stretched only).
+ * @param source_x           left edge in the image, pixels from the image's left.
+ * @param source_y           top edge, rows from the image's top.
+ * @param source_width,source_height pixels; negative as for the destination.
+ * @param image_width,image_height size of the whole image, pixels.
+ * @param image              rows top first, no padding. GDI takes each row to be padded to 4 bytes:
+ *                           width * bytes per pixel has to be a multiple of 4, else the picture is
+ *                           skewed and, on Windows, bytes behind the image are read.
+ * @param pixel_format       VEXA_OUTPUT_BGR24, VEXA_OUTPUT_BGR32; every other value draws one byte
+ *                           per pixel as grey.
+ * @return the number of scan lines, as GDI counts them; 0 on failure: with 87 for the invalid
+ *         handle, with 8 when memory runs out, else with what the system sets, if anything.
+ *         Elsewhere than on Windows: 6 (ERROR_INVALID_HANDLE) when there is no such surface, 87 for
+ *         an image that is null or without pixels; no error when the source lies outside the image.
+ *
+ * Calls with the same camera handle must not overlap; other calls may run meanwhile.
+ */
+VEXA_API int VEXA_CALL Vexa_Draw(HANDLE camera, HDC device_context, int destination_x,
+                                 int destination_y, int destination_width, int destination_height,
+                                 int source_x, int source_y, int source_width, int source_height,
+                                 DWORD image_width, DWORD image_height, const BYTE* image,
+                                 DWORD pixel_format);
+/**@}*/
+
 /** @defgroup files Image files */
 /**@{*/
 

@@ -26,6 +26,7 @@ class [[nodiscard]] Status {
 namespace error {
 inline constexpr Status kNone{};
 inline constexpr Status kAccessDenied{5};             // ERROR_ACCESS_DENIED
+inline constexpr Status kInvalidHandle{6};            // ERROR_INVALID_HANDLE
 inline constexpr Status kNotEnoughMemory{8};          // ERROR_NOT_ENOUGH_MEMORY
 inline constexpr Status kNoMoreFiles{18};             // ERROR_NO_MORE_FILES
 inline constexpr Status kWriteFault{29};              // ERROR_WRITE_FAULT
