@@ -57,7 +57,9 @@ int CEasyDraw::Draw(void* device_context, const platform::DrawArea& destination,
   stretched.y = FromBottom(picture.height, source.y, source.height);
   const int earlier = platform::SetStretchMode(device_context, platform::kColorOnColor);
   const int lines = platform::StretchBitmap(device_context, destination, stretched, bitmap);
-  platform::SetStretchMode(device_context, earlier);
+  if (earlier != 0) {  // else there is no device context, whose error stays
+    platform::SetStretchMode(device_context, earlier);
+  }
   return lines;
 }
 

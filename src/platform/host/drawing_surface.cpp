@@ -132,7 +132,7 @@ std::optional<host::BitmapReader> ReaderOf(const Bitmap& bitmap) {
   return reader;
 }
 
-/// The pixels of a size given with its direction.
+/// The pixels of a size given with its direction; a mirrored run begins with the pixel given, too.
 Run RunOf(std::int64_t first, std::int64_t size) {
   return size >= 0 ? Run{first, size, 1} : Run{first, -size, -1};
 }
@@ -159,11 +159,10 @@ int StretchBitmap(void* device_context, const DrawArea& destination, const DrawA
   if (!reader) {
     return 0;
   }
-  // A mirrored run begins with the pixel that is given, rows of the bitmap with the one before.
   const std::int64_t top = reader->height() - source.y - source.height;
   return surface->Draw(*reader, RunOf(destination.x, destination.width),
                        RunOf(destination.y, destination.height), RunOf(source.x, source.width),
-                       RunOf(source.height < 0 ? top - 1 : top, source.height));
+                       RunOf(top, source.height));
 }
 
 int SetStretchMode(void* device_context, int mode) {
