@@ -6,6 +6,7 @@
 
 #include "output/bmp_file.hpp"
 #include "output/raw_file.hpp"
+#include "output/tiff_file.hpp"
 #include "platform/output_file.hpp"
 
 namespace vexa::output {
@@ -29,6 +30,7 @@ Status CheckImage(FileType type, const Image& image) {
     case FileType::kBmp:
       return CheckBmp(image);
     case FileType::kTiff:
+      return CheckTiff(image);
     case FileType::kJpeg:
       break;
   }
@@ -67,7 +69,14 @@ Status SaveImage(const Image& image, const std::u16string& file_name) {
   if (file == nullptr) {
     return error::kOpenFailed;
   }
-  return type == FileType::kRaw ? WriteRaw(image, file.get()) : WriteBmp(image, file.get());
+  switch (type) {
+    case FileType::kRaw:
+      return WriteRaw(image, file.get());
+    case FileType::kTiff:
+      return WriteTiff(image, file.get());
+    default:
+      return WriteBmp(image, file.get());
+  }
 }
 
 }  // namespace vexa::output

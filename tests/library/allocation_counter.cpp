@@ -7,15 +7,20 @@
 namespace {
 
 std::atomic<std::uint64_t> allocations = 0;
+std::atomic<std::size_t> largest = SIZE_MAX;
 
 }  // namespace
 
 std::uint64_t vexa::test::Allocations() { return allocations; }
 
+vexa::test::AllocationLimit::AllocationLimit(std::size_t bytes) { largest = bytes; }
+vexa::test::AllocationLimit::~AllocationLimit() { largest = SIZE_MAX; }
+
 // The array and nothrow forms of the standard library call these two.
 void* operator new(std::size_t size) {
   ++allocations;
-  if (void* memory = std::malloc(size == 0 ? 1 : size)) {
+  void* memory = size <= largest ? std::malloc(size == 0 ? 1 : size) : nullptr;
+  if (memory != nullptr) {
     return memory;
   }
   throw std::bad_alloc();
