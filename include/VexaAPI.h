@@ -779,25 +779,27 @@ VEXA_API int VEXA_CALL Vexa_Draw(HANDLE camera, HDC device_context, int destinat
 /**
  * Saves an image; the file name's extension (after the last ".") chooses the file type: "RAW" (also
  * a shorter beginning of it, or nothing after the ".") the bare bytes; "TIF" and "TIFF" (and
- * shorter beginnings) an uncompressed TIFF; "JPG" and "JPEG" (and shorter beginnings) are reserved
- * for JPEG, which this version does not write; every other extension a Windows bitmap. Upper and
- * lower case of A to Z are the same.
+ * shorter beginnings) an uncompressed TIFF; "JPG" and "JPEG" (and shorter beginnings) a baseline
+ * JPEG, grey or with chrominance at half the horizontal resolution; every other extension a Windows
+ * bitmap. Upper and lower case of A to Z are the same.
  *
  * @param width        pixels per row.
  * @param height       rows.
- * @param pixel_format VEXA_OUTPUT_ code: 1, 2, 4 or 8 for RAW; any for TIFF; 1, 4 or 8 for BMP. A
- *                     TIFF holds the samples of 10, 12 and 14 bits shifted to the top of 16 bits.
+ * @param pixel_format VEXA_OUTPUT_ code: 1, 2, 4 or 8 for RAW; any for TIFF; 1, 4 or 8 for BMP and
+ *                     JPEG. A TIFF holds the samples of 10, 12 and 14 bits shifted to the top of 16
+ *                     bits.
  * @param image        the pixels, rows top first, no padding. Not changed.
  * @param file_name    path of the file; an existing file is replaced.
- * @param jpeg_compression not used by RAW, TIFF and BMP.
+ * @param jpeg_compression for JPEG only: 0 (quality 100) to 99 (quality 1, the smallest files); 100
+ *                     and above take the tables of quality 50.
  * @return 0 with 87 when the name has no ".", the type does not take the format, a pointer is null
- *         or the file type cannot hold the image: too large, or, for TIFF, a side of 0 or above
- *         65535 pixels (no file is created); with 87 for any other code for a BMP (a file of length
- *         0 stays); 50 (ERROR_NOT_SUPPORTED) for a reserved type (no file is created); 110
- *         (ERROR_OPEN_FAILED) when the file cannot be created; 8 when memory for a bitmap runs out
- *         and 29 (ERROR_WRITE_FAULT) when it could not be written whole. When memory for a TIFF
- *         runs out the last error stays as it was (a file of length 0 stays). Writing RAW and TIFF
- *         files is not checked: a full disk shows in the size of the file alone.
+ *         or the file type cannot hold the image: too large, or, for TIFF and JPEG, a side of 0 or
+ *         above 65535 pixels (no file is created); with 87 for any other code for a BMP (a file of
+ *         length 0 stays); 110 (ERROR_OPEN_FAILED) when the file cannot be created; 8 when memory
+ *         for a bitmap or JPEG runs out and 29 (ERROR_WRITE_FAULT) when a bitmap could not be
+ *         written whole. When memory for a TIFF runs out the last error stays as it was (a file of
+ *         length 0 stays). Writing RAW, TIFF and JPEG files is not checked: a full disk shows in
+ * the size of the file alone.
  */
 VEXA_API BOOL VEXA_CALL Vexa_SaveImageW(DWORD width, DWORD height, DWORD pixel_format,
                                         const BYTE* image, const WCHAR* file_name,

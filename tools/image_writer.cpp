@@ -12,13 +12,14 @@ namespace vexa::tool {
 namespace {
 
 constexpr DWORD kNotSupported = 50;
-constexpr DWORD kJpegUnused = 0;
+constexpr DWORD kJpegCompression = 10;  // quality 90
 
 void Save(std::uint32_t width, std::uint32_t height, std::uint32_t pixel_format, const BYTE* image,
           const std::filesystem::path& path) {
   const std::u16string name = path.u16string();
   const std::basic_string<WCHAR> file_name(name.begin(), name.end());
-  if (Vexa_SaveImageW(width, height, pixel_format, image, file_name.c_str(), kJpegUnused) == 0) {
+  if (Vexa_SaveImageW(width, height, pixel_format, image, file_name.c_str(), kJpegCompression) ==
+      0) {
     const DWORD code = GetLastError();
     throw ApiError(
         "Vexa_SaveImageW(\"" + Utf8FromPath(path) + "\")", code,

@@ -76,7 +76,7 @@ FileType FileTypeOf(const std::filesystem::path& path, const std::string& subjec
     return FileType::kTiff;
   }
   if (extension == ".jpg" || extension == ".jpeg") {
-    return FileType::kReserved;
+    return FileType::kJpeg;
   }
   // The library would write a bitmap under the wrong name.
   throw ToolError(ExitCode::kUsage,

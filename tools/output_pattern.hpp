@@ -10,10 +10,10 @@ namespace vexa::tool {
 
 /** What a file name's extension asks Vexa_SaveImageW() for. */
 enum class FileType {
-  kRaw,      /**< .raw: the frame's bytes as the camera sent them. */
-  kBitmap,   /**< .bmp, .dib. */
-  kTiff,     /**< .tif, .tiff. */
-  kReserved, /**< .jpg, .jpeg: types that the library may not write yet. */
+  kRaw,    /**< .raw: the frame's bytes as the camera sent them. */
+  kBitmap, /**< .bmp, .dib. */
+  kTiff,   /**< .tif, .tiff. */
+  kJpeg,   /**< .jpg, .jpeg: 8 bits per channel. */
 };
 
 /** The file type that a name's extension asks for.

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "output/bmp_file.hpp"
+#include "output/jpeg_file.hpp"
 #include "output/raw_file.hpp"
 #include "output/tiff_file.hpp"
 #include "platform/output_file.hpp"
@@ -32,9 +33,9 @@ Status CheckImage(FileType type, const Image& image) {
     case FileType::kTiff:
       return CheckTiff(image);
     case FileType::kJpeg:
-      break;
+      return CheckJpeg(image);
   }
-  return error::kNotSupported;
+  return error::kInvalidParameter;
 }
 
 }  // namespace
@@ -55,7 +56,8 @@ FileType FileTypeOfExtension(std::u16string_view extension) {
   return FileType::kBmp;
 }
 
-Status SaveImage(const Image& image, const std::u16string& file_name) {
+Status SaveImage(const Image& image, const std::u16string& file_name,
+                 std::uint32_t jpeg_compression) {
   const std::size_t dot = file_name.rfind(u'.');
   if (dot == std::u16string::npos) {
     return error::kInvalidParameter;
@@ -74,9 +76,12 @@ Status SaveImage(const Image& image, const std::u16string& file_name) {
       return WriteRaw(image, file.get());
     case FileType::kTiff:
       return WriteTiff(image, file.get());
-    default:
-      return WriteBmp(image, file.get());
+    case FileType::kJpeg:
+      return WriteJpeg(image, jpeg_compression, file.get());
+    case FileType::kBmp:
+      break;
   }
+  return WriteBmp(image, file.get());
 }
 
 }  // namespace vexa::output

@@ -38,6 +38,8 @@ FileType FileTypeOfExtension(std::u16string_view extension);
 /// Saves an image. kInvalidParameter: no "." in the name, or an image that the file type cannot
 /// hold; kNotSupported: a type that is not written yet; both before a file is created. kOpenFailed:
 /// the file cannot be created. Afterwards whatever the writer reports.
-Status SaveImage(const Image& image, const std::u16string& file_name);
+/// @param jpeg_compression for JPEG files; see WriteJpeg.
+Status SaveImage(const Image& image, const std::u16string& file_name,
+                 std::uint32_t jpeg_compression);
 
 }  // namespace vexa::output

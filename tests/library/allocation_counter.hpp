@@ -19,4 +19,10 @@ class AllocationLimit {
   ~AllocationLimit();
 };
 
+/// Bytes that this thread has asked operator new for so far.
+std::uint64_t AllocatedBytes();
+
+/// Lets the n-th allocation of this thread from now on fail; 0 lets none.
+void FailAllocation(std::uint64_t n);
+
 }  // namespace vexa::test

@@ -254,7 +254,12 @@ class WithCameras(EndToEnd):
         run = subprocess.run([PROGRAM, "stats", "-s", "2"], stdout=subprocess.PIPE,
                              stderr=program_side, timeout=WAIT)
         os.close(program_side)
-        shown = os.read(terminal, 65536).decode()
+        shown = ""
+        try:
+            while piece := os.read(terminal, 65536):
+                shown += piece.decode()
+        except OSError:  # how a terminal ends whose other side is closed
+            pass
         os.close(terminal)
         self.assertIn(run.returncode, (0, 4))
         self.assertRegex(shown, r"^(\r\d+ frames [^\r\n]*)+\r\n")
@@ -289,7 +294,6 @@ class WithCameras(EndToEnd):
             (1, ["capture", "--format", "bgr30", "-o", "a.raw"], ["87 (", "8bit, 10bit, 12bit"]),
             (1, ["capture", "--roi", "0,0,9999,480"], ["Vexa_SetScanMode", "1280 x 964"]),
             (1, ["capture", "-o", "no/folder/a.bmp"], ["Vexa_SaveImageW", "110 (", "folder"]),
-            (1, ["capture", "-o", "a.jpg"], ["50 (not supported)", ".bmp"]),
             (1, ["capture", "-o", "full.raw", "--overwrite"], ["incomplete", "space"]),
             (1, ["capture", "-o", "full.tif", "--overwrite"], ["incomplete", "space"]),
             (3, ["info", "--camera", 9], ["index 9", "2 free", "259 ("]),

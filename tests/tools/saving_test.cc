@@ -31,7 +31,7 @@ TEST(OutputPattern, NamesEveryFrame) {
       {"%05d/a.tif", 3, 2, "00002/a.tif", FileType::kTiff},
       {"100%%.bmp", 1, 1, "100%.bmp", FileType::kBitmap},
       {"100%%.bmp", 9, 9, "100%-0009.bmp", FileType::kBitmap},
-      {"%%%d%%d.jpg", 9, 9, "%9%d.jpg", FileType::kReserved},
+      {"%%%d%%d.jpg", 9, 9, "%9%d.jpg", FileType::kJpeg},
       {"Größe \xF0\x9F\x93\xB7.bmp", 3, 1, "Größe \xF0\x9F\x93\xB7-0001.bmp", FileType::kBitmap},
   };
   for (const auto& test_case : kCases) {
@@ -87,7 +87,7 @@ TEST(SavePlan, FollowsFileTypeFormatAndSensor) {
       {FileType::kTiff, VEXA_TRANSFER_16BIT, VEXA_COLOR_ARRAY_RGGB, none, Content::kDeep},
       {FileType::kTiff, VEXA_TRANSFER_10BIT_B, VEXA_COLOR_ARRAY_RGGB, 3, std::nullopt},
       {FileType::kTiff, VEXA_TRANSFER_8BIT, VEXA_COLOR_ARRAY_RGGB, none, Content::kInterpolate},
-      {FileType::kReserved, VEXA_TRANSFER_16BIT, VEXA_COLOR_ARRAY_MONO, none, std::nullopt},
+      {FileType::kJpeg, VEXA_TRANSFER_16BIT, VEXA_COLOR_ARRAY_MONO, none, std::nullopt},
       {FileType::kRaw, VEXA_TRANSFER_12BIT, VEXA_COLOR_ARRAY_RGGB, none, Content::kBytes},
       {FileType::kRaw, VEXA_TRANSFER_YUV411, VEXA_COLOR_ARRAY_RGGB, none, Content::kBytes},
       {FileType::kRaw, VEXA_TRANSFER_8BIT, VEXA_COLOR_ARRAY_RGGB, 3, std::nullopt},

@@ -1,0 +1,115 @@
+// What libjpeg makes of our files.
+
+#include "output/host/decode_jpeg.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "output/encoding.hpp"
+#include "output/pictures.hpp"
+
+namespace vexa::test {
+namespace {
+
+// Mean square of the differences in all channels.
+double MeanSquare(const Samples& a, const Samples& b) {
+  double sum = 0;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    sum += std::pow(a[i] - b[i], 2);
+  }
+  return sum / static_cast<double>(a.size());
+}
+
+DecodedJpeg ThereAndBack(const Samples& picture, int width, int height, int channels, int quality) {
+  MemoryStream stream;
+  EXPECT_EQ(Encode(stream, picture.data(), width, height, channels, quality),
+            output::CodingStatus::kOk);
+  DecodedJpeg decoded;
+  EXPECT_NO_THROW(decoded = DecodeJpeg(stream.bytes));
+  EXPECT_EQ(decoded.warnings, 0);
+  EXPECT_TRUE(decoded.jfif);
+  EXPECT_EQ(decoded.color_space, channels == 1 ? JCS_GRAYSCALE : JCS_YCbCr);
+  EXPECT_EQ(decoded.width, static_cast<unsigned>(width));
+  EXPECT_EQ(decoded.height, static_cast<unsigned>(height));
+  EXPECT_EQ(decoded.pixels.size(),
+            picture.size() / (channels == 4 ? 4U : 1U) * (channels == 4 ? 3U : 1U));
+  return decoded;
+}
+
+// A ramp in every colour; nothing is lost by sub-sampling it.
+Samples Ramp(int width, int height, int channels) {
+  Samples picture;
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      const int values[] = {40 + x + 2 * y, 200 - x - y, 60 + 2 * x, 255};
+      for (int channel = 0; channel < channels; ++channel) {
+        picture.push_back(static_cast<std::uint8_t>(values[channel]));
+      }
+    }
+  }
+  return picture;
+}
+
+TEST(JpegDecoding, EverySizeReadsBackWithoutAWarning) {
+  for (const auto& [width, height] : {std::pair{1, 1},
+                                      {2, 1},
+                                      {1, 9},
+                                      {7, 8},
+                                      {8, 7},
+                                      {15, 16},
+                                      {16, 8},
+                                      {17, 9},
+                                      {24, 8},
+                                      {33, 31},
+                                      {48, 3},
+                                      {65, 64}}) {
+    for (const int channels : {1, 3, 4}) {
+      SCOPED_TRACE(std::to_string(width) + " x " + std::to_string(height) + " x " +
+                   std::to_string(channels));
+      const Samples ramp = Ramp(width, height, channels);
+      const DecodedJpeg decoded = ThereAndBack(ramp, width, height, channels, 100);
+      const Samples expected = channels == 4 ? Ramp(width, height, 3) : ramp;
+      ASSERT_EQ(decoded.pixels.size(), expected.size());
+      // Rounding of colours and coefficients, and what the reader interpolates.
+      for (std::size_t i = 0; i < expected.size(); ++i) {
+        ASSERT_NEAR(decoded.pixels[i], expected[i], channels == 1 ? 1 : 4) << i;
+      }
+      // The hardest content, which fills the buffers.
+      ThereAndBack(NoisePicture(ramp.size(), 8), width, height, channels, 100);
+    }
+  }
+}
+
+TEST(JpegDecoding, QualityDecidesHowNearThePictureIs) {
+  constexpr int kWidth = 301;
+  constexpr int kHeight = 203;
+  for (const int channels : {1, 3}) {
+    const Samples picture = Photograph(kWidth, kHeight, channels);
+    // With every quality there is a step; the square of the error stays in proportion to it.
+    double last = 0;
+    for (int quality = 100; quality > 0; --quality) {
+      const double error =
+          MeanSquare(ThereAndBack(picture, kWidth, kHeight, channels, quality).pixels, picture);
+      // Sub-sampled, the noise of the colours goes.
+      const double floor = channels == 1 ? 0.0 : 8.0;
+      ASSERT_LT(error, quality == 100  ? floor + 0.2
+                       : quality >= 90 ? floor + 8
+                                       : floor + 900)
+          << quality;
+      ASSERT_GT(error, 0.8 * last) << quality;
+      last = error;
+    }
+    const auto size_of = [&](int quality) {
+      MemoryStream stream;
+      EXPECT_EQ(Encode(stream, picture.data(), kWidth, kHeight, channels, quality),
+                output::CodingStatus::kOk);
+      return stream.bytes;
+    };
+    const Samples unscaled = size_of(0);
+    EXPECT_EQ(DecodeJpeg(unscaled).pixels, DecodeJpeg(size_of(50)).pixels);
+  }
+}
+
+}  // namespace
+}  // namespace vexa::test
