@@ -92,7 +92,7 @@ TEST(JpegDecoding, QualityDecidesHowNearThePictureIs) {
       const double error =
           MeanSquare(ThereAndBack(picture, kWidth, kHeight, channels, quality).pixels, picture);
       // The noise of the colours goes with the sub-sampling.
-      const double most = quality == 100 ? (channels == 1 ? 0.15 : 6.5)
+      const double most = quality == 100  ? (channels == 1 ? 0.15 : 6.5)
                           : quality >= 50 ? 15
                           : quality >= 10 ? 55
                                           : 205;
