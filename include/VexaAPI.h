@@ -735,31 +735,71 @@ VEXA_API BOOL VEXA_CALL Vexa_ColorInterpolation(DWORD width, DWORD height, WORD 
                                                 DWORD output_format);
 /**@}*/
 
+/** @defgroup drawing Drawing */
+/**@{*/
+
+/**
+ * Draws a part of an image into a device context: pixel by pixel when source and destination have
+ * the same size, else stretched by repeating or leaving out rows and columns (the stretch mode of
+ * the device context is the same afterwards). What lies outside the image or the device is left
+ * out.
+ *
+ * @param camera             the camera, whose drawing object is used; it need not be transferring.
+ * @param device_context     on Windows GDI's, elsewhere a drawing surface (VexaHost.h).
+ * @param destination_x      left edge in the device context, logical units.
+ * @param destination_y      top edge.
+ * @param destination_width  negative draws to the left of destination_x, mirrored (stretched only).
+ * @param destination_height negative draws upwards from destination_y, mirrored (stretched only).
+ * @param source_x           left edge in the image, pixels from the image's left.
+ * @param source_y           top edge, rows from the image's top.
+ * @param source_width,source_height pixels; negative as for the destination.
+ * @param image_width,image_height size of the whole image, pixels.
+ * @param image              rows top first, no padding. GDI takes each row to be padded to 4 bytes:
+ *                           width * bytes per pixel has to be a multiple of 4, else the picture is
+ *                           skewed and, on Windows, bytes behind the image are read.
+ * @param pixel_format       VEXA_OUTPUT_BGR24, VEXA_OUTPUT_BGR32; every other value draws one byte
+ *                           per pixel as grey.
+ * @return the number of scan lines, as GDI counts them; 0 on failure: with 87 for the invalid
+ *         handle, with 8 when memory runs out, else with what the system sets, if anything.
+ *         Elsewhere than on Windows: 6 (ERROR_INVALID_HANDLE) when there is no such surface, 87 for
+ *         an image that is null or without pixels; no error when the source lies outside the image.
+ *
+ * Calls with the same camera handle must not overlap; other calls may run meanwhile.
+ */
+VEXA_API int VEXA_CALL Vexa_Draw(HANDLE camera, HDC device_context, int destination_x,
+                                 int destination_y, int destination_width, int destination_height,
+                                 int source_x, int source_y, int source_width, int source_height,
+                                 DWORD image_width, DWORD image_height, const BYTE* image,
+                                 DWORD pixel_format);
+/**@}*/
+
 /** @defgroup files Image files */
 /**@{*/
 
 /**
  * Saves an image; the file name's extension (after the last ".") chooses the file type: "RAW" (also
- * a shorter beginning of it, or nothing after the ".") the bare bytes; "JPG" and "JPEG" (and
- * shorter beginnings) a baseline JPEG file, grey or with chrominance at half the horizontal
- * resolution; "TIF" and "TIFF" (and shorter beginnings) are reserved for that type, which this
- * version does not write; every other extension a Windows bitmap. Upper and lower case of A to Z
- * are the same.
+ * a shorter beginning of it, or nothing after the ".") the bare bytes; "TIF" and "TIFF" (and
+ * shorter beginnings) an uncompressed TIFF; "JPG" and "JPEG" (and shorter beginnings) a baseline
+ * JPEG, grey or with chrominance at half the horizontal resolution; every other extension a Windows
+ * bitmap. Upper and lower case of A to Z are the same.
  *
  * @param width        pixels per row.
  * @param height       rows.
- * @param pixel_format VEXA_OUTPUT_ code: 1, 2, 4 or 8 for RAW; 1, 4 or 8 for BMP and JPEG.
- * @param image        the pixels, rows top first, no padding; only read.
+ * @param pixel_format VEXA_OUTPUT_ code: 1, 2, 4 or 8 for RAW; any for TIFF; 1, 4 or 8 for BMP and
+ *                     JPEG. A TIFF holds the samples of 10, 12 and 14 bits shifted to the top of 16
+ *                     bits.
+ * @param image        the pixels, rows top first, no padding. Not changed.
  * @param file_name    path of the file; an existing file is replaced.
  * @param jpeg_compression for JPEG only: 0 (quality 100) to 99 (quality 1, the smallest files); 100
  *                     and above take the tables of quality 50.
  * @return 0 with 87 when the name has no ".", the type does not take the format, a pointer is null
- *         or the image is larger than the file type can hold or, for JPEG, empty (no file is
- *         created; a side of a JPEG has at most 65535 pixels); with 87 for any other code for a BMP
- *         (a file of length 0 stays); 50 (ERROR_NOT_SUPPORTED) for a reserved type (no file is
- *         created); 110 (ERROR_OPEN_FAILED) when the file cannot be created; 8 when memory for a
- *         bitmap or JPEG runs out and 29 (ERROR_WRITE_FAULT) when a bitmap could not be written
- *         whole. Writing RAW and JPEG files is not checked.
+ *         or the file type cannot hold the image: too large, or, for TIFF and JPEG, a side of 0 or
+ *         above 65535 pixels (no file is created); with 87 for any other code for a BMP (a file of
+ *         length 0 stays); 110 (ERROR_OPEN_FAILED) when the file cannot be created; 8 when memory
+ *         for a bitmap or JPEG runs out and 29 (ERROR_WRITE_FAULT) when a bitmap could not be
+ *         written whole. When memory for a TIFF runs out the last error stays as it was (a file of
+ *         length 0 stays). Writing RAW, TIFF and JPEG files is not checked: a full disk shows in
+ * the size of the file alone.
  */
 VEXA_API BOOL VEXA_CALL Vexa_SaveImageW(DWORD width, DWORD height, DWORD pixel_format,
                                         const BYTE* image, const WCHAR* file_name,

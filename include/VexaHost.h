@@ -1,6 +1,6 @@
 /**
  * @file VexaHost.h
- * What takes the place of windows on systems that have none: message queues.
+ * What takes the place of windows on systems that have none: message queues, and drawing surfaces.
  *
  * An application that wants the camera's messages (VEXA_MSG_... in VexaAPI.h) instead of callbacks
  * creates a queue, registers it with Vexa_SetRcvMsgWnd(), and takes the messages from it:
@@ -15,6 +15,17 @@
  * }
  * @endcode
  *
+ * An application that wants to look at what Vexa_Draw() draws creates a surface, passes it where
+ * Windows takes a device context, and reads its pixels:
+ *
+ * @code
+ * HDC surface = VexaHost_CreateSurface(640, 480);
+ * Vexa_Draw(camera, surface, 0, 0, 640, 480, 0, 0, width, height, width, height, image,
+ *           VEXA_OUTPUT_BGR24);
+ * VexaHost_ReadSurface(surface, pixels, 640 * 480 * 4);
+ * VexaHost_DestroySurface(surface);
+ * @endcode
+ *
  * @par Results and errors
  * As in VexaAPI.h: a BOOL, 1 for success and 0 for failure, with the reason in GetLastError(). A
  * successful call leaves the last error as it is.
@@ -26,7 +37,7 @@
  * @par Life of a queue
  * A queue lives until VexaHost_DestroyMessageQueue(), no longer than the process, and independently
  * of cameras. A queue that is gone does no harm: cameras still registered with it post into the
- * void, and its handle value is never given to another queue.
+ * void, and its handle value is never given to another queue. The same holds for surfaces.
  *
  * Plain C (C11) and C++. Not for Windows, where HWND is a window.
  */
@@ -36,6 +47,8 @@
 #if defined(_WIN32)
 #error "VexaHost.h is for systems without windows; on Windows use a window's message queue"
 #endif
+
+#include <stddef.h>
 
 #include "VexaAPI.h"
 
@@ -77,6 +90,58 @@ VEXA_API BOOL VexaHost_WaitMessage(HWND queue, VexaHostMessage* message, DWORD t
  * @return 1; 0 with last error 1400 (ERROR_INVALID_WINDOW_HANDLE) when there is no such queue.
  */
 VEXA_API BOOL VexaHost_DestroyMessageQueue(HWND queue);
+
+/** @name Stretch modes of a surface
+ * Numbers of GDI. A surface keeps its mode for the application; stretching repeats or leaves out
+ * pixels in every mode. */
+/**@{*/
+#define VEXA_HOST_STRETCH_AND 1      /**< BLACKONWHITE, the mode of a new surface. */
+#define VEXA_HOST_STRETCH_OR 2       /**< WHITEONBLACK */
+#define VEXA_HOST_STRETCH_DELETE 3   /**< COLORONCOLOR, the mode in which Vexa_Draw() stretches. */
+#define VEXA_HOST_STRETCH_HALFTONE 4 /**< HALFTONE */
+/**@}*/
+
+/**
+ * Creates a black drawing surface, which behaves like a GDI device context with a 32-bit bitmap.
+ * @param width pixels per row, 1 to 65535.
+ * @param height rows, 1 to 65535.
+ * @return the surface, to be passed to Vexa_Draw() and to be destroyed with
+ *   VexaHost_DestroySurface(); NULL with last error 87 for other sizes, 8 when memory ran out.
+ */
+VEXA_API HDC VexaHost_CreateSurface(DWORD width, DWORD height);
+
+/**
+ * Copies the pixels of a surface.
+ * @param surface a surface.
+ * @param pixels receives width * height pixels, top row first, no padding, 4 bytes each: blue,
+ *   green, red, 0 (VEXA_OUTPUT_BGR32).
+ * @param size bytes that pixels has room for.
+ * @return 1; 0 with last error 6 (ERROR_INVALID_HANDLE) when there is no such surface, 87 when
+ *   pixels is NULL, 122 (ERROR_INSUFFICIENT_BUFFER) when size is too small (nothing is copied).
+ */
+VEXA_API BOOL VexaHost_ReadSurface(HDC surface, BYTE* pixels, size_t size);
+
+/**
+ * The stretch mode of a surface.
+ * @param surface a surface.
+ * @return the mode; 0 with last error 6 when there is no such surface.
+ */
+VEXA_API int VexaHost_GetStretchMode(HDC surface);
+
+/**
+ * Sets the stretch mode of a surface.
+ * @param surface a surface.
+ * @param mode a VEXA_HOST_STRETCH_ mode.
+ * @return the earlier mode; 0 with last error 6 when there is no such surface, 87 for other modes.
+ */
+VEXA_API int VexaHost_SetStretchMode(HDC surface, int mode);
+
+/**
+ * Destroys a surface. Drawing on it then fails with 6.
+ * @param surface a surface.
+ * @return 1; 0 with last error 6 (ERROR_INVALID_HANDLE) when there is no such surface.
+ */
+VEXA_API BOOL VexaHost_DestroySurface(HDC surface);
 
 #ifdef __cplusplus
 }

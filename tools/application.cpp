@@ -36,6 +36,7 @@ struct Runner {
   ExitCode operator()(const ListOptions& options) const { return RunList(options); }
   ExitCode operator()(const InfoOptions& options) const { return RunInfo(options); }
   ExitCode operator()(const CaptureOptions& options) const { return RunCapture(options); }
+  ExitCode operator()(const ConvertOptions& options) const { return RunConvert(options); }
   ExitCode operator()(const StatsOptions& options) const { return RunStats(options); }
 };
 

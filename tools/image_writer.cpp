@@ -12,13 +12,14 @@ namespace vexa::tool {
 namespace {
 
 constexpr DWORD kNotSupported = 50;
-constexpr DWORD kJpegUnused = 0;
+constexpr DWORD kJpegCompression = 10;  // quality 90
 
 void Save(std::uint32_t width, std::uint32_t height, std::uint32_t pixel_format, const BYTE* image,
           const std::filesystem::path& path) {
   const std::u16string name = path.u16string();
   const std::basic_string<WCHAR> file_name(name.begin(), name.end());
-  if (Vexa_SaveImageW(width, height, pixel_format, image, file_name.c_str(), kJpegUnused) == 0) {
+  if (Vexa_SaveImageW(width, height, pixel_format, image, file_name.c_str(), kJpegCompression) ==
+      0) {
     const DWORD code = GetLastError();
     throw ApiError(
         "Vexa_SaveImageW(\"" + Utf8FromPath(path) + "\")", code,
@@ -28,22 +29,25 @@ void Save(std::uint32_t width, std::uint32_t height, std::uint32_t pixel_format,
   }
 }
 
-/** Raw files are not checked by the library: a full disk shows only in the file's size. */
+/** The library does not check the writing of raw and TIFF files: a full disk shows only in the
+ * file's size. @param least bytes that a whole file has at least. */
+void CheckSize(const std::filesystem::path& path, std::uintmax_t least) {
+  std::error_code error;
+  const std::uintmax_t written = std::filesystem::file_size(path, error);
+  if (error || written < least) {
+    throw ToolError(ExitCode::kFailure,
+                    Format("\"%s\" is incomplete: %ju of %ju bytes were written",
+                           Utf8FromPath(path).c_str(), error ? std::uintmax_t{0} : written, least),
+                    "Check the free space of the disk.");
+  }
+}
+
 void SaveBytes(const StoredFrame& frame, const std::filesystem::path& path) {
   if (frame.size > std::numeric_limits<std::uint32_t>::max()) {
     throw ToolError(ExitCode::kFailure, "the frame is too large to be saved",
                     "Choose a smaller region with --roi.");
   }
   Save(static_cast<std::uint32_t>(frame.size), 1, VEXA_OUTPUT_MONO8, frame.pixels.data(), path);
-  std::error_code error;
-  const std::uintmax_t written = std::filesystem::file_size(path, error);
-  if (error || written != frame.size) {
-    throw ToolError(
-        ExitCode::kFailure,
-        Format("\"%s\" is incomplete: %ju of %zu bytes were written", Utf8FromPath(path).c_str(),
-               error ? std::uintmax_t{0} : written, frame.size),
-        "Check the free space of the disk.");
-  }
 }
 
 void SaveInterpolated(const StoredFrame& frame, std::uint8_t method,
@@ -79,6 +83,14 @@ void SaveFrame(const StoredFrame& frame, const SavePlan& plan, const std::filesy
       Save(frame.description.width, frame.description.height, VEXA_OUTPUT_BGR24,
            frame.pixels.data(), path);
       break;
+    case SavePlan::Content::kDeep:
+      Save(frame.description.width, frame.description.height, plan.deep_format, frame.pixels.data(),
+           path);
+      break;
+  }
+  const FileType type = FileTypeOf(path, "the file name");
+  if (type == FileType::kRaw || type == FileType::kTiff) {  // both hold the frame's bytes or more
+    CheckSize(path, frame.size);
   }
 }
 

@@ -100,6 +100,48 @@ bool IsEightBit(std::uint32_t format) {
   return format == VEXA_TRANSFER_8BIT || format == VEXA_TRANSFER_8BIT_B;
 }
 
+std::uint32_t DeepOutputFormat(std::uint32_t format) {
+  switch (format) {
+    case VEXA_TRANSFER_10BIT:
+    case VEXA_TRANSFER_10BIT_B:
+      return VEXA_OUTPUT_MONO10;
+    case VEXA_TRANSFER_12BIT:
+    case VEXA_TRANSFER_12BIT_B:
+      return VEXA_OUTPUT_MONO12;
+    case VEXA_TRANSFER_14BIT:
+    case VEXA_TRANSFER_14BIT_B:
+      return VEXA_OUTPUT_MONO14;
+    case VEXA_TRANSFER_16BIT:
+    case VEXA_TRANSFER_16BIT_B:
+      return VEXA_OUTPUT_MONO16;
+    default:
+      return 0;
+  }
+}
+
+int DeepSampleBits(std::uint32_t output_format) {
+  switch (output_format) {
+    case VEXA_OUTPUT_MONO10:
+      return 10;
+    case VEXA_OUTPUT_MONO12:
+      return 12;
+    case VEXA_OUTPUT_MONO14:
+      return 14;
+    default:
+      return 16;
+  }
+}
+
+std::optional<std::uint16_t> ParseColorArray(std::string_view text) {
+  const std::string name = AsciiLowerCase(text);
+  for (const NamedCode& entry : kColorArrays) {
+    if (name == AsciiLowerCase(entry.name)) {
+      return static_cast<std::uint16_t>(entry.code);
+    }
+  }
+  return std::nullopt;
+}
+
 std::span<const NamedCode> InterpolationMethods() { return kMethods; }
 
 std::string ColorArrayName(std::uint32_t code) { return NameIn(kColorArrays, code); }

@@ -43,6 +43,15 @@ std::uint64_t ImageBytes(std::uint32_t width, std::uint32_t height, std::uint32_
 /** Whether a format has one byte per pixel, as Vexa_ColorInterpolation() takes it. */
 bool IsEightBit(std::uint32_t format);
 
+/** VEXA_OUTPUT_ code of a transfer format of one 16-bit word per pixel; 0 for the others. */
+std::uint32_t DeepOutputFormat(std::uint32_t format);
+
+/** Significant bits of a sample of a VEXA_OUTPUT_ code that DeepOutputFormat() gives. */
+int DeepSampleBits(std::uint32_t output_format);
+
+/** The colour array of a name, in upper or lower case; nothing when there is none. */
+std::optional<std::uint16_t> ParseColorArray(std::string_view text);
+
 /** The interpolation methods and their names on the command line. */
 std::span<const NamedCode> InterpolationMethods();
 

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <sstream>
 #include <stdexcept>
+#include <tuple>
 
 #include "names.hpp"
 #include "text.hpp"
@@ -15,6 +16,7 @@ namespace vexa::tool {
 namespace {
 
 constexpr std::uint32_t kMaxFrames = 1'000'000;
+constexpr std::uint32_t kMaxSide = 65'535;  // of a frame; camera and file formats have 16 bits
 
 constexpr const char* kMainFooter = R"(Examples:
   vexa list
@@ -22,6 +24,7 @@ constexpr const char* kMainFooter = R"(Examples:
   vexa capture --output picture.bmp
   vexa capture --frames 100 --exposure-ms 5 --output run/frame-%04d.bmp
   vexa capture --format 12bit --output deep.raw
+  vexa convert deep.raw deep.tif --width 1280 --height 964 --format 12bit
   vexa stats --seconds 30
 
 Exit codes:
@@ -39,9 +42,10 @@ command in good order; a second one at once.
 constexpr const char* kCaptureFooter =
     R"(File names: %d or %04d is the place of the frame's index, from 1; %% is a percent
 sign. Several frames without a place get "-0001" and so on before the extension.
-The extension chooses the file type: .bmp a picture, .raw the frame's bytes as the
-camera sends them. Frames deeper than 8 bits and YUV frames need .raw. Saving runs
-beside the camera; frames that find no free buffer are not saved, and counted.
+The extension chooses the file type: .bmp or .tif a picture, .raw the frame's bytes
+as the camera sends them. Frames deeper than 8 bits need .tif (samples as they are)
+or .raw, YUV frames .raw. Saving runs beside the camera; frames that find no free
+buffer are not saved, and counted.
 
 Methods: none (grey), mosaic, nearest, bilinear, four-tap, cell-centred.
 
@@ -51,6 +55,19 @@ The longest wait is 5 seconds, or three frame periods where that is longer.
 Examples:
   vexa capture --output picture.bmp --method four-tap
   vexa capture --frames 100 --roi 0,0,640,480 --output run/frame-%04d.bmp)";
+
+constexpr const char* kConvertFooter =
+    R"(INPUT holds one frame as "vexa capture" saves it in a .raw file, and nothing else.
+The extension of OUTPUT chooses the file type: .bmp, .tif or .raw (the same bytes).
+With a --color-array other than mono the frame becomes a colour picture of 8 bits
+per channel. Without one, samples deeper than 8 bits stay as they are in a .tif file;
+wherever 8 bits are needed, the upper 8 bits of every sample are taken.
+
+Methods: none (grey), mosaic, nearest, bilinear, four-tap, cell-centred.
+
+Examples:
+  vexa convert deep.raw deep.tif --width 1280 --height 964 --format 12bit
+  vexa convert a.raw a.bmp --width 1280 --height 964 --color-array rggb)";
 
 constexpr const char* kStatsFooter = R"(Measured:
   frames/s, MB/s   from the first frame to the last; 1 MB is 10^6 bytes of image
@@ -110,6 +127,21 @@ void AddCameraOption(CLI::App& app, std::uint32_t& camera) {
       ->check(CLI::Range(0u, 255u).description(""));
 }
 
+void AddFormatOption(CLI::App& app, std::optional<std::uint32_t>& format,
+                     const std::string& description) {
+  AddParsed(
+      app, "--format",
+      [&format](const std::string& text) {
+        format = ParseTransferFormat(text);
+        if (!format) {
+          throw std::invalid_argument(
+              "\"" + text + "\" is no transfer format; known: " + TransferFormatNames(~0u));
+        }
+      },
+      description)
+      ->type_name("CODE");
+}
+
 void AddSettingOptions(CLI::App& app, SettingOptions& settings) {
   app.add_option("--exposure-ms", settings.exposure_ms, "Exposure time in milliseconds")
       ->type_name("X")
@@ -120,17 +152,7 @@ void AddSettingOptions(CLI::App& app, SettingOptions& settings) {
       ->type_name("X,Y,W,H");
   app.add_option("--scan-mode", settings.scan_mode, "Scan mode code, such as 0x0001")
       ->type_name("M");
-  AddParsed(
-      app, "--format",
-      [&settings](const std::string& text) {
-        settings.format = ParseTransferFormat(text);
-        if (!settings.format) {
-          throw std::invalid_argument(
-              "\"" + text + "\" is no transfer format; known: " + TransferFormatNames(~0u));
-        }
-      },
-      "Transfer format: 8bit, 12bit, bgr24 ... or its code")
-      ->type_name("CODE");
+  AddFormatOption(app, settings.format, "Transfer format: 8bit, 12bit, bgr24 ... or its code");
 }
 
 void AddStreamOptions(CLI::App& app, StreamOptions& options) {
@@ -142,7 +164,8 @@ void AddStreamOptions(CLI::App& app, StreamOptions& options) {
   app.add_flag("-q,--quiet", options.quiet, "No progress and no summary");
 }
 
-void AddMethodOption(CLI::App& app, CaptureOptions& options) {
+template <class Options>
+void AddMethodOption(CLI::App& app, Options& options) {
   AddParsed(
       app, "--method",
       [&options](const std::string& text) {
@@ -172,6 +195,33 @@ void AddCapture(CLI::App& app, CaptureOptions& options) {
   app.footer(kCaptureFooter);
 }
 
+void AddConvert(CLI::App& app, ConvertOptions& options) {
+  app.add_option("INPUT", options.input, "File with the frame's bytes")->required();
+  app.add_option("OUTPUT", options.output, "File to write")->required();
+  for (const auto& [name, number, what] : {std::tuple{"--width", &options.width, "Pixels per row"},
+                                           std::tuple{"--height", &options.height, "Rows"}}) {
+    app.add_option(name, *number, what)
+        ->type_name("N")
+        ->required()
+        ->check(CLI::Range(1u, kMaxSide).description(""));
+  }
+  AddFormatOption(app, options.format, "Format of the frame: 8bit (default), 12bit, bgr24 ...");
+  AddParsed(
+      app, "--color-array",
+      [&options](const std::string& text) {
+        options.color_array = ParseColorArray(text);
+        if (!options.color_array) {
+          throw std::invalid_argument("\"" + text +
+                                      "\" is no colour array; known: mono, RGGB, GRBG, GBRG, BGGR");
+        }
+      },
+      "Colour filters of the first rows: mono (default), rggb, grbg, gbrg, bggr")
+      ->type_name("NAME");
+  AddMethodOption(app, options);
+  app.add_flag("--overwrite", options.overwrite, "Replace a file that exists");
+  app.footer(kConvertFooter);
+}
+
 void AddStats(CLI::App& app, StatsOptions& options) {
   AddStreamOptions(app, options.stream);
   app.add_option("-s,--seconds", options.seconds, "How long to stream (default 10)")
@@ -190,7 +240,8 @@ std::string UsageText(const CLI::App* app, const CLI::Error& error) {
   }
   const std::vector<std::string> rest = app->remaining();
   return "vexa: " + (rest.empty() ? "" : "\"" + rest.front() + "\" is not understood: ") +
-         "a command is required\n  It is list, info, capture or stats; \"vexa --help\" explains "
+         "a command is required\n  It is list, info, capture, convert or stats; \"vexa --help\" "
+         "explains "
          "them.\n";
 }
 
@@ -215,6 +266,7 @@ ParsedArguments ParseArguments(const std::vector<std::string>& arguments,
   ListOptions list;
   InfoOptions info;
   CaptureOptions capture;
+  ConvertOptions convert;
   StatsOptions stats;
   CLI::App* list_command = app.add_subcommand("list", "List the cameras that are free");
   list_command->add_flag("--json", list.json, "Print JSON");
@@ -223,6 +275,9 @@ ParsedArguments ParseArguments(const std::vector<std::string>& arguments,
   info_command->add_flag("--json", info.json, "Print JSON");
   CLI::App* capture_command = app.add_subcommand("capture", "Save frames as image files");
   AddCapture(*capture_command, capture);
+  CLI::App* convert_command =
+      app.add_subcommand("convert", "Turn a frame's bytes into an image file");
+  AddConvert(*convert_command, convert);
   AddStats(*app.add_subcommand("stats", "Measure the transfer of frames"), stats);
 
   try {
@@ -238,6 +293,9 @@ ParsedArguments ParseArguments(const std::vector<std::string>& arguments,
   }
   if (capture_command->parsed()) {
     return capture;
+  }
+  if (convert_command->parsed()) {
+    return convert;
   }
   return stats;
 }

@@ -54,6 +54,17 @@ struct CaptureOptions {
   bool overwrite = false;
 };
 
+struct ConvertOptions {
+  std::string input;
+  std::string output;
+  std::uint32_t width = 0;
+  std::uint32_t height = 0;
+  std::optional<std::uint32_t> format;      /**< VEXA_TRANSFER_ code. */
+  std::optional<std::uint16_t> color_array; /**< VEXA_COLOR_ARRAY_ code. */
+  std::optional<std::uint8_t> method;       /**< VEXA_INTERP_ code. */
+  bool overwrite = false;
+};
+
 struct StatsOptions {
   StreamOptions stream;
   double seconds = 10;
@@ -68,7 +79,7 @@ struct Answer {
 };
 
 using ParsedArguments =
-    std::variant<Answer, ListOptions, InfoOptions, CaptureOptions, StatsOptions>;
+    std::variant<Answer, ListOptions, InfoOptions, CaptureOptions, ConvertOptions, StatsOptions>;
 
 /** Reads the command line.
  *  @param arguments without the program's name, UTF-8.

@@ -11,7 +11,8 @@ namespace {
 
 constexpr const char* kPatternAdvice =
     "Write the place of the frame index as %d or %04d, once, and a percent sign as %%.";
-constexpr const char* kExtensionAdvice = "Use .bmp for a picture or .raw for the frame's bytes.";
+constexpr const char* kExtensionAdvice =
+    "Use .bmp or .tif for a picture, or .raw for the frame's bytes.";
 
 struct PatternParts {
   std::string before;
@@ -61,7 +62,9 @@ PatternParts SplitPattern(const std::string& pattern) {
   return parts;
 }
 
-FileType TypeOf(const std::filesystem::path& path, const std::string& pattern) {
+}  // namespace
+
+FileType FileTypeOf(const std::filesystem::path& path, const std::string& subject) {
   const std::string extension = AsciiLowerCase(Utf8FromPath(path.extension()));
   if (extension == ".raw") {
     return FileType::kRaw;
@@ -69,18 +72,19 @@ FileType TypeOf(const std::filesystem::path& path, const std::string& pattern) {
   if (extension == ".bmp" || extension == ".dib") {
     return FileType::kBitmap;
   }
-  if (extension == ".tif" || extension == ".tiff" || extension == ".jpg" || extension == ".jpeg") {
-    return FileType::kReserved;
+  if (extension == ".tif" || extension == ".tiff") {
+    return FileType::kTiff;
+  }
+  if (extension == ".jpg" || extension == ".jpeg") {
+    return FileType::kJpeg;
   }
   // The library would write a bitmap under the wrong name.
   throw ToolError(ExitCode::kUsage,
-                  "--output \"" + pattern + "\": " +
+                  subject + ": " +
                       (extension.size() < 2 ? "the name has no extension to choose the file type"
                                             : "\"" + extension + "\" is no image file type"),
                   kExtensionAdvice);
 }
-
-}  // namespace
 
 OutputPattern::OutputPattern(const std::string& pattern, std::uint32_t frames) : frames_(frames) {
   PatternParts parts = SplitPattern(pattern);
@@ -95,7 +99,7 @@ OutputPattern::OutputPattern(const std::string& pattern, std::uint32_t frames) :
   before_ = parts.before;
   after_ = parts.after;
   digits_ = parts.digits;
-  type_ = TypeOf(PathOf(1), pattern);
+  type_ = FileTypeOf(PathOf(1), "--output \"" + pattern + "\"");
 }
 
 std::filesystem::path OutputPattern::PathOf(std::uint32_t index) const {

@@ -10,10 +10,16 @@ namespace vexa::tool {
 
 /** What a file name's extension asks Vexa_SaveImageW() for. */
 enum class FileType {
-  kRaw,      /**< .raw: the frame's bytes as the camera sent them. */
-  kBitmap,   /**< .bmp, .dib. */
-  kReserved, /**< .tif, .tiff, .jpg, .jpeg: types that the library may not write yet. */
+  kRaw,    /**< .raw: the frame's bytes as the camera sent them. */
+  kBitmap, /**< .bmp, .dib. */
+  kTiff,   /**< .tif, .tiff. */
+  kJpeg,   /**< .jpg, .jpeg: 8 bits per channel. */
 };
+
+/** The file type that a name's extension asks for.
+ *  @param subject what the user gave, for the message.
+ *  @throws ToolError (kUsage) when it is the extension of no image file type. */
+FileType FileTypeOf(const std::filesystem::path& path, const std::string& subject);
 
 /** Makes a file name for every frame from the text that the user gave.
  *

@@ -16,9 +16,11 @@ struct SavePlan {
     kGrey,        /**< 8-bit samples as a grey image. */
     kInterpolate, /**< 8-bit Bayer samples, interpolated to BGR. */
     kColor,       /**< BGR pixels as they are. */
+    kDeep,        /**< Samples of 10 to 16 bits as they are. */
   };
   Content content = Content::kBytes;
-  std::uint8_t method = 0; /**< VEXA_INTERP_ code of kInterpolate. */
+  std::uint8_t method = 0;       /**< VEXA_INTERP_ code of kInterpolate. */
+  std::uint32_t deep_format = 0; /**< VEXA_OUTPUT_ code of kDeep. */
 };
 
 /** Decides how frames are saved.

@@ -59,6 +59,13 @@ Status CVexaCamera::SendCameraSetting(std::uint16_t command) {
   return status.ok() ? ReloadSettings() : status;
 }
 
+output::CEasyDraw& CVexaCamera::easy_draw() {
+  if (easy_draw_ == nullptr) {
+    easy_draw_ = std::make_unique<output::CEasyDraw>();
+  }
+  return *easy_draw_;
+}
+
 bool CVexaCamera::SetGainAndExposureClock(std::uint16_t gain, std::uint32_t exposure_clock) {
   return exposure_.SetGainAndExposureClock(gain, exposure_clock).ok();
 }

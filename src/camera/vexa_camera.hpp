@@ -4,11 +4,13 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 
 #include "VexaAPI.h"
 #include "device/control_channel.hpp"
 #include "device/identity.hpp"
 #include "device/registers.hpp"
+#include "output/easy_draw.hpp"
 #include "platform/driver.hpp"
 #include "platform/status.hpp"
 #include "settings/exposure_control.hpp"
@@ -58,6 +60,9 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   transfer::Triggers& triggers() { return triggers_; }
   transfer::Notifier& notifier() { return notifier_; }
   transfer::TransferEngine& transfer() { return transfer_; }
+  /// The drawing object, made by the first call; throws std::bad_alloc. No lock: calls must not
+  /// overlap.
+  output::CEasyDraw& easy_draw();
   /// Stored for the application; nothing in the library depends on it.
   std::atomic<std::uint32_t>& transfer_mode() { return transfer_mode_; }
 
@@ -85,6 +90,7 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   transfer::Notifier notifier_{this};
   transfer::TransferEngine transfer_;
   std::atomic<std::uint32_t> transfer_mode_ = 0;
+  std::unique_ptr<output::CEasyDraw> easy_draw_;
 };
 
 }  // namespace vexa::camera

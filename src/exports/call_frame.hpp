@@ -21,7 +21,9 @@ inline BOOL Report(Status status) {
   if (status.ok()) {
     return TRUE;
   }
-  platform::SetLastErrorCode(status);
+  if (status != error::kLastErrorKept) {
+    platform::SetLastErrorCode(status);
+  }
   return FALSE;
 }
 

@@ -7,6 +7,7 @@
 #include "output/bmp_file.hpp"
 #include "output/jpeg_file.hpp"
 #include "output/raw_file.hpp"
+#include "output/tiff_file.hpp"
 #include "platform/output_file.hpp"
 
 namespace vexa::output {
@@ -29,12 +30,12 @@ Status CheckImage(FileType type, const Image& image) {
       return CheckRaw(image);
     case FileType::kBmp:
       return CheckBmp(image);
+    case FileType::kTiff:
+      return CheckTiff(image);
     case FileType::kJpeg:
       return CheckJpeg(image);
-    case FileType::kTiff:
-      break;
   }
-  return error::kNotSupported;
+  return error::kInvalidParameter;
 }
 
 }  // namespace
@@ -73,14 +74,14 @@ Status SaveImage(const Image& image, const std::u16string& file_name,
   switch (type) {
     case FileType::kRaw:
       return WriteRaw(image, file.get());
+    case FileType::kTiff:
+      return WriteTiff(image, file.get());
     case FileType::kJpeg:
       return WriteJpeg(image, jpeg_compression, file.get());
-    case FileType::kTiff:
-      break;
     case FileType::kBmp:
-      return WriteBmp(image, file.get());
+      break;
   }
-  return error::kNotSupported;
+  return WriteBmp(image, file.get());
 }
 
 }  // namespace vexa::output

@@ -26,6 +26,7 @@ class [[nodiscard]] Status {
 namespace error {
 inline constexpr Status kNone{};
 inline constexpr Status kAccessDenied{5};             // ERROR_ACCESS_DENIED
+inline constexpr Status kInvalidHandle{6};            // ERROR_INVALID_HANDLE
 inline constexpr Status kNotEnoughMemory{8};          // ERROR_NOT_ENOUGH_MEMORY
 inline constexpr Status kNoMoreFiles{18};             // ERROR_NO_MORE_FILES
 inline constexpr Status kWriteFault{29};              // ERROR_WRITE_FAULT
@@ -43,6 +44,8 @@ inline constexpr Status kIoPending{997};              // ERROR_IO_PENDING
 inline constexpr Status kPossibleDeadlock{1131};      // ERROR_POSSIBLE_DEADLOCK
 inline constexpr Status kNoUnicodeTranslation{1113};  // ERROR_NO_UNICODE_TRANSLATION
 inline constexpr Status kDeviceNotConnected{1167};    // ERROR_DEVICE_NOT_CONNECTED
+/// No system code: a failure that leaves the caller's last error as it is.
+inline constexpr Status kLastErrorKept{0xFFFFFFFF};
 }  // namespace error
 
 }  // namespace vexa

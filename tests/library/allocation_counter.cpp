@@ -7,6 +7,7 @@
 namespace {
 
 std::atomic<std::uint64_t> allocations = 0;
+std::atomic<std::size_t> largest = SIZE_MAX;
 thread_local std::uint64_t allocated_bytes = 0;
 thread_local std::uint64_t until_failure = 0;
 
@@ -16,6 +17,9 @@ std::uint64_t vexa::test::Allocations() { return allocations; }
 std::uint64_t vexa::test::AllocatedBytes() { return allocated_bytes; }
 void vexa::test::FailAllocation(std::uint64_t n) { until_failure = n; }
 
+vexa::test::AllocationLimit::AllocationLimit(std::size_t bytes) { largest = bytes; }
+vexa::test::AllocationLimit::~AllocationLimit() { largest = SIZE_MAX; }
+
 // The array and nothrow forms of the standard library call these two.
 void* operator new(std::size_t size) {
   ++allocations;
@@ -23,7 +27,8 @@ void* operator new(std::size_t size) {
   if (until_failure > 0 && --until_failure == 0) {
     throw std::bad_alloc();
   }
-  if (void* memory = std::malloc(size == 0 ? 1 : size)) {
+  void* memory = size <= largest ? std::malloc(size == 0 ? 1 : size) : nullptr;
+  if (memory != nullptr) {
     return memory;
   }
   throw std::bad_alloc();

@@ -44,6 +44,10 @@ TEST(Arguments, RefusesWhatIsWrongAndSaysWhat) {
       {{"capture", "--format", "0"}, "8bit, 10bit"},
       {{"capture", "--method", "bicubic"}, "four-tap"},
       {{"capture", "--timeout", "-1"}, "-1"},
+      {{"convert", "a.raw"}, "OUTPUT"},
+      {{"convert", "a.raw", "a.bmp", "--width", "4"}, "--height"},
+      {{"convert", "a.raw", "a.bmp", "--width", "65536", "--height", "1"}, "65536"},
+      {{"convert", "a.raw", "a.bmp", "--color-array", "rgb"}, "GBRG"},
       {{"stats", "--seconds", "0"}, "--seconds"},
       {{"stats", "--seconds", "-nan"}, "nan"},
   };

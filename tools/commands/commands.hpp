@@ -16,6 +16,9 @@ ExitCode RunInfo(const InfoOptions& options);
 /** Streams and saves frames. */
 ExitCode RunCapture(const CaptureOptions& options);
 
+/** Turns a frame's bytes into an image file; needs no camera. */
+ExitCode RunConvert(const ConvertOptions& options);
+
 /** Streams and prints measurements. */
 ExitCode RunStats(const StatsOptions& options);
 

@@ -2,6 +2,8 @@
 
 #include "VexaAPI.h"
 #include "VexaHost.h"
+#include "platform/drawing_surface.hpp"
+#include "platform/host/drawing_surface.hpp"
 #include "platform/host/message_queue.hpp"
 #include "platform/last_error.hpp"
 
@@ -47,3 +49,29 @@ BOOL VexaHost_WaitMessage(HWND queue, VexaHostMessage* message, DWORD timeout_ms
 }
 
 BOOL VexaHost_DestroyMessageQueue(HWND queue) { return Report(host::DestroyMessageQueue(queue)); }
+
+HDC VexaHost_CreateSurface(DWORD width, DWORD height) {
+  try {
+    void* surface = host::CreateSurface(width, height);
+    if (surface == nullptr) {
+      Report(vexa::error::kInvalidParameter);
+    }
+    return static_cast<HDC>(surface);
+  } catch (const std::bad_alloc&) {
+    Report(vexa::error::kNotEnoughMemory);
+    return nullptr;
+  }
+}
+
+BOOL VexaHost_ReadSurface(HDC surface, BYTE* pixels, size_t size) {
+  return Report(pixels == nullptr ? vexa::error::kInvalidParameter
+                                  : host::ReadSurface(surface, {pixels, size}));
+}
+
+int VexaHost_GetStretchMode(HDC surface) { return host::StretchModeOf(surface); }
+
+int VexaHost_SetStretchMode(HDC surface, int mode) {
+  return vexa::platform::SetStretchMode(surface, mode);
+}
+
+BOOL VexaHost_DestroySurface(HDC surface) { return Report(host::DestroySurface(surface)); }

@@ -7,7 +7,13 @@ namespace vexa::platform {
 void FileCloser::operator()(std::FILE* file) const { std::fclose(file); }
 
 OutputFile CreateOutputFile(const std::u16string& path) {
-  return OutputFile(::_wfopen(ToWideChars(path).c_str(), L"wb"));
+  // A file that is created sets the last error, too.
+  const DWORD last_error = ::GetLastError();
+  OutputFile file(::_wfopen(ToWideChars(path).c_str(), L"wb"));
+  if (file != nullptr) {
+    ::SetLastError(last_error);
+  }
+  return file;
 }
 
 }  // namespace vexa::platform

@@ -1,0 +1,53 @@
+/// \file
+/// A folder to save images in.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "VexaAPI.h"
+
+namespace vexa::test {
+
+using Bytes = std::vector<std::uint8_t>;
+
+class SaveTest : public ::testing::Test {
+ protected:
+  SaveTest()
+      : folder_(std::filesystem::temp_directory_path() /
+                ("vexa-save-" + std::to_string(reinterpret_cast<std::uintptr_t>(this)))) {
+    std::filesystem::create_directories(folder_);
+    SetLastError(0);
+  }
+  ~SaveTest() override { std::filesystem::remove_all(folder_); }
+
+  BOOL Save(DWORD width, DWORD height, DWORD format, const Bytes& image, const std::string& name) {
+    const std::string path = (folder_ / name).string();
+    return Vexa_SaveImageA(width, height, format, image.data(), path.c_str(), 0);
+  }
+
+  Bytes Read(const std::filesystem::path& name) const {
+    std::ifstream file(folder_ / name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  bool Exists(const std::string& name) const { return std::filesystem::exists(folder_ / name); }
+
+  static Bytes Ramp(std::size_t size) {
+    Bytes bytes(size);
+    for (std::size_t i = 0; i < size; ++i) {
+      bytes[i] = static_cast<std::uint8_t>(i * 7 + 1);
+    }
+    return bytes;
+  }
+
+  std::filesystem::path folder_;
+};
+
+}  // namespace vexa::test
