@@ -20,7 +20,8 @@ void vexa::test::FailAllocation(std::uint64_t n) { until_failure = n; }
 vexa::test::AllocationLimit::AllocationLimit(std::size_t bytes) { largest = bytes; }
 vexa::test::AllocationLimit::~AllocationLimit() { largest = SIZE_MAX; }
 
-// The array and nothrow forms of the standard library call these two.
+// The array forms of the standard library call these. The nothrow form is here because sanitizers
+// bring their own, which does not.
 void* operator new(std::size_t size) {
   ++allocations;
   allocated_bytes += size;
@@ -32,6 +33,14 @@ void* operator new(std::size_t size) {
     return memory;
   }
   throw std::bad_alloc();
+}
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  try {
+    return operator new(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
 }
 
 void operator delete(void* memory) noexcept { std::free(memory); }
