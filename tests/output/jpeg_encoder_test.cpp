@@ -145,6 +145,30 @@ TEST(JpegEncoder, FourthBytesAndGapsBetweenRowsDoNotMatter) {
   EXPECT_EQ(stream.bytes, expected);
 }
 
+TEST(JpegEncoder, TheLastPixelsFillTheLastBlocks) {
+  constexpr std::size_t kPaddedWidth = 32;
+  constexpr std::size_t kPaddedHeight = 16;
+  for (const auto& [width, height] : {std::pair{25, 9}, {31, 15}, {26, 16}}) {
+    for (const int channels : {1, 3}) {
+      const Samples picture = NoisePicture(static_cast<std::size_t>(width * height * channels), 6);
+      Samples padded;
+      for (std::size_t i = 0; i < kPaddedWidth * kPaddedHeight; ++i) {
+        const int x = std::min(static_cast<int>(i % kPaddedWidth), width - 1);
+        const int y = std::min(static_cast<int>(i / kPaddedWidth), height - 1);
+        const auto pixel = picture.begin() + (y * width + x) * channels;
+        padded.insert(padded.end(), pixel, pixel + channels);
+      }
+      Samples expected = Encoded(padded, kPaddedWidth, kPaddedHeight, channels, 90);
+      // But for the sizes in the frame header, behind the quantisation tables.
+      const std::size_t frame = channels == 1 ? 89 : 158;
+      expected[frame + 6] = static_cast<std::uint8_t>(height);
+      expected[frame + 8] = static_cast<std::uint8_t>(width);
+      EXPECT_EQ(Encoded(picture, width, height, channels, 90), expected)
+          << width << " x " << height << " x " << channels;
+    }
+  }
+}
+
 // A stream that only counts.
 class Sink : public MemoryStream {
  public:
