@@ -20,7 +20,7 @@ void vexa::test::FailAllocation(std::uint64_t n) { until_failure = n; }
 vexa::test::AllocationLimit::AllocationLimit(std::size_t bytes) { largest = bytes; }
 vexa::test::AllocationLimit::~AllocationLimit() { largest = SIZE_MAX; }
 
-// The array and nothrow forms of the standard library call these two.
+// The array forms of the standard library call these two.
 void* operator new(std::size_t size) {
   ++allocations;
   allocated_bytes += size;
@@ -32,6 +32,15 @@ void* operator new(std::size_t size) {
     return memory;
   }
   throw std::bad_alloc();
+}
+
+// Sanitizers bring a nothrow form of their own that does not call the one above.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  try {
+    return operator new(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
 }
 
 void operator delete(void* memory) noexcept { std::free(memory); }
