@@ -20,8 +20,7 @@ void vexa::test::FailAllocation(std::uint64_t n) { until_failure = n; }
 vexa::test::AllocationLimit::AllocationLimit(std::size_t bytes) { largest = bytes; }
 vexa::test::AllocationLimit::~AllocationLimit() { largest = SIZE_MAX; }
 
-// The array forms of the standard library call these. The nothrow form is here because sanitizers
-// bring their own, which does not.
+// The array forms of the standard library call these two.
 void* operator new(std::size_t size) {
   ++allocations;
   allocated_bytes += size;
@@ -35,6 +34,7 @@ void* operator new(std::size_t size) {
   throw std::bad_alloc();
 }
 
+// Sanitizers bring a nothrow form of their own that does not call the one above.
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
   try {
     return operator new(size);
