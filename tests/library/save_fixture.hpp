@@ -27,9 +27,10 @@ class SaveTest : public ::testing::Test {
   }
   ~SaveTest() override { std::filesystem::remove_all(folder_); }
 
-  BOOL Save(DWORD width, DWORD height, DWORD format, const Bytes& image, const std::string& name) {
+  BOOL Save(DWORD width, DWORD height, DWORD format, const Bytes& image, const std::string& name,
+            DWORD jpeg_compression = 0) {
     const std::string path = (folder_ / name).string();
-    return Vexa_SaveImageA(width, height, format, image.data(), path.c_str(), 0);
+    return Vexa_SaveImageA(width, height, format, image.data(), path.c_str(), jpeg_compression);
   }
 
   Bytes Read(const std::filesystem::path& name) const {

@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "output/encoding.hpp"
+#include "output/jpeg/typical_tables.hpp"
 #include "output/pictures.hpp"
 
 namespace vexa::test {
@@ -109,6 +110,35 @@ TEST(JpegDecoding, QualityDecidesHowNearThePictureIs) {
     const Samples unscaled = file_of(0);
     EXPECT_EQ(DecodeJpeg(unscaled).pixels, DecodeJpeg(file_of(50)).pixels);
   }
+}
+
+TEST(JpegDecoding, TablesAreThoseOfLibjpeg) {
+  jpeg_compress_struct peer{};
+  jpeg_error_mgr errors{};
+  peer.err = jpeg_std_error(&errors);
+  jpeg_create_compress(&peer);
+  peer.in_color_space = JCS_RGB;
+  peer.input_components = 3;
+  jpeg_set_defaults(&peer);
+  const Samples pixel(3);
+  for (int quality = 1; quality <= 100; ++quality) {
+    jpeg_set_quality(&peer, quality, TRUE);
+    MemoryStream stream;
+    ASSERT_EQ(Encode(stream, pixel.data(), 1, 1, 3, quality), output::CodingStatus::kOk);
+    for (std::size_t i = 0; i < output::kBlockSize; ++i) {
+      const std::size_t natural = output::kZigZag[i];
+      ASSERT_EQ(stream.bytes[25 + i], peer.quant_tbl_ptrs[0]->quantval[natural]) << quality;
+      ASSERT_EQ(stream.bytes[94 + i], peer.quant_tbl_ptrs[1]->quantval[natural]) << quality;
+    }
+  }
+  for (const auto& [ours, theirs] : {std::pair{&output::kLuminanceDc, peer.dc_huff_tbl_ptrs[0]},
+                                     {&output::kLuminanceAc, peer.ac_huff_tbl_ptrs[0]},
+                                     {&output::kChrominanceDc, peer.dc_huff_tbl_ptrs[1]},
+                                     {&output::kChrominanceAc, peer.ac_huff_tbl_ptrs[1]}}) {
+    EXPECT_TRUE(std::equal(ours->counts.begin(), ours->counts.end(), theirs->bits + 1));
+    EXPECT_TRUE(std::equal(ours->values.begin(), ours->values.end(), theirs->huffval));
+  }
+  jpeg_destroy_compress(&peer);
 }
 
 }  // namespace
