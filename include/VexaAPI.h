@@ -832,6 +832,90 @@ VEXA_API BOOL VEXA_CALL Vexa_ColorInterpolation(DWORD width, DWORD height, WORD 
                                                 DWORD output_format);
 /**@}*/
 
+/** @defgroup measuring Measurements on raw frames */
+/**@{*/
+
+/**
+ * Mean values of a part of a raw frame, for each position of the 2 x 2 filter pattern.
+ *
+ * @param width,height    of the frame, pixels and rows.
+ * @param color_array     VEXA_COLOR_ARRAY_ code.
+ * @param transfer_format VEXA_TRANSFER_8BIT: bytes; _10BIT to _16BIT: 16-bit words. The codes with
+ *                        _B and the colour formats are not taken.
+ * @param frame           width * height samples.
+ * @param x,y             first column and row of the part.
+ * @param region_width,region_height of the part, cut at the frame's edges.
+ * @param[out] average    four values in the samples' own units: the mean of the pixels at even
+ *                        columns of even rows, odd columns of even rows, even columns of odd rows,
+ *                        odd columns of odd rows, counted from the frame's first pixel wherever the
+ *                        part begins. 0 where the part has no such pixel. Of a monochrome frame the
+ *                        mean of all pixels and three times 0.
+ *
+ * Which colours these are:
+ *
+ *     color_array   RGGB, MONO   GRBG   GBRG   BGGR
+ *     red           0            1      2      3
+ *     green         1, 2         0, 3   3, 0   2, 1
+ *     blue          3            2      1      0
+ *
+ * @return 0 with 87 for another colour array or transfer format and for null pointers; the output
+ *         is untouched then. Sums are exact for frames of any size.
+ *
+ * Starts no thread, keeps no state, allocates nothing.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetAveragePixelValue(DWORD width, DWORD height, WORD color_array,
+                                                  DWORD transfer_format, const BYTE* frame, DWORD x,
+                                                  DWORD y, DWORD region_width, DWORD region_height,
+                                                  float* average);
+
+/**
+ * White balance on the host, for models without function 24. On those with it, and on monochrome
+ * cameras, the call succeeds and does nothing.
+ *
+ * @param camera the camera.
+ * @param frame  an 8-bit raw frame of the size (Vexa_GetScanMode()) and colour array
+ *               (Vexa_GetColorArray()) that the camera has now; corrected in place.
+ *
+ * In the modes VEXA_WHITE_BALANCE_AUTO and _ONCE the gains of red and blue are first found anew
+ * (the green ones stay), after which _ONCE becomes _MANUAL. The frame's whole 2 x 2 cells count.
+ * With T the mean of the two green positions' means and m the colour's mean, the gain is 128 * T /
+ * m, truncated, at most 65535, or 128 when all samples of the colour are 0. Saturated samples keep
+ * the mean of the corrected colour below T; up to 639 the gain is therefore raised, in steps of 1,
+ * until that mean reaches T. A mean T of 0 gives the gain 0.
+ *
+ * In every mode but VEXA_WHITE_BALANCE_OFF the frame's whole cells are then corrected with the four
+ * gains (Vexa_SetWhiteBalanceGain()); with all of them at 128 nothing is done.
+ *
+ * @return 1; the last error becomes 87 when gains were to be found and the camera's colour array is
+ *         none of the five codes. The gains then stay, and the frame is corrected with them. 0 with
+ *         87 for an invalid handle or a null frame.
+ *
+ * Calls for one camera run one after the other; gains that another thread sets come into force
+ * between frames. Starts no thread, allocates nothing.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_WhiteBalance(HANDLE camera, BYTE* frame);
+
+/**
+ * Finds the brightest pixels of a dark frame and loads their positions into the camera's defect
+ * pixel table, replacing all entries; those without a pixel become 0xFFFF, 0xFFFF. The correction
+ * takes place when Vexa_SetDefectPixelCorrectionMode() has switched it on.
+ *
+ * @param camera       the camera; without function 59 87 and nothing is sent.
+ * @param width,height of the frame, pixels and rows.
+ * @param frame        width * height bytes, taken in the dark and uncorrected.
+ * @param threshold    the least level of a defect pixel, low 16 bits count; above 255 none is
+ * found.
+ *
+ * When more pixels are bright enough than the table has entries, the brightest are taken, among
+ * equally bright ones the first from the top and, in a row, from the left.
+ *
+ * @return the result of the command by which the camera takes the table over. It is sent even when
+ *         an entry could not be written; the rest of the table is then as it was.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_DetectDefectPixel(HANDLE camera, DWORD width, DWORD height,
+                                               const BYTE* frame, DWORD threshold);
+/**@}*/
+
 /** @defgroup drawing Drawing */
 /**@{*/
 
