@@ -193,6 +193,14 @@ VEXA_API void SetLastError(DWORD code);
 #define VEXA_MIRROR_VERTICAL 0x20
 /**@}*/
 
+/** @name White-balance modes of Vexa_SetWhiteBalanceMode() */
+/**@{*/
+#define VEXA_WHITE_BALANCE_OFF 0    /**< Frames stay as they are. */
+#define VEXA_WHITE_BALANCE_MANUAL 1 /**< The current gains. */
+#define VEXA_WHITE_BALANCE_AUTO 2   /**< Gains found anew on every frame. */
+#define VEXA_WHITE_BALANCE_ONCE 3   /**< Gains found on the next frame; then manual. */
+/**@}*/
+
 /**
  * Called when an exposure has ended: in separate-header trigger modes, when a frame's header has
  * arrived and its image has not.
@@ -563,6 +571,95 @@ VEXA_API BOOL VEXA_CALL Vexa_SetTransferBitsPerPixel(HANDLE camera, DWORD code);
 /** The transfer format, from the library's copy. @param camera the camera. @param[out] code a
  * VEXA_TRANSFER_ code. */
 VEXA_API BOOL VEXA_CALL Vexa_GetTransferBitsPerPixel(HANDLE camera, DWORD* code);
+/**@}*/
+
+/** @defgroup camera_functions Image functions of the camera
+ *
+ * Corrections that the camera's own electronics make on models that have them
+ * (Vexa_HasFunction()). The setters refuse what a model lacks with 87 and send nothing; the getters
+ * then give 0 with success. Only the low 16 bits of values and indexes count. What a value means
+ * beyond the ranges named here is the camera's. Mirroring stands with the identity functions,
+ * because the colour array depends on it. */
+/**@{*/
+
+/** Sets how binned pixels are put together. @param camera the camera; needs function 61. @param
+ * mode 0 or 1, else 87. */
+VEXA_API BOOL VEXA_CALL Vexa_SetBinningSumMode(HANDLE camera, DWORD mode);
+/** Reads the binning sum mode. @param camera the camera. @param[out] mode 0 on failure and on a
+ * model without it. */
+VEXA_API BOOL VEXA_CALL Vexa_GetBinningSumMode(HANDLE camera, WORD* mode);
+
+/** Sets the camera's gamma. @param camera the camera; needs function 57. @param value 0 to 63, else
+ * 87. */
+VEXA_API BOOL VEXA_CALL Vexa_SetCameraGammaValue(HANDLE camera, DWORD value);
+/** Reads the camera's gamma. @param camera the camera. @param[out] value 0 on failure and on a
+ * model without it. */
+VEXA_API BOOL VEXA_CALL Vexa_GetCameraGammaValue(HANDLE camera, WORD* value);
+
+/** Sets the digital clamp (black level). @param camera the camera; needs function 55. @param value
+ * 0 to 255, else 87. */
+VEXA_API BOOL VEXA_CALL Vexa_SetDigitalClamp(HANDLE camera, DWORD value);
+/** Reads the digital clamp. @param camera the camera. @param[out] value 0 on failure and on a model
+ * without it. */
+VEXA_API BOOL VEXA_CALL Vexa_GetDigitalClamp(HANDLE camera, WORD* value);
+
+/** Entries of the camera's defect pixel table. @param camera the camera. @param[out] count 64 on a
+ * model with function 59, else 0. */
+VEXA_API BOOL VEXA_CALL Vexa_GetEnableDefectPixelCorrectionCount(HANDLE camera, WORD* count);
+/** Sets the defect pixel correction mode. @param camera the camera; needs function 59. @param mode
+ * the camera's mode, low 16 bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetDefectPixelCorrectionMode(HANDLE camera, DWORD mode);
+/** Reads the defect pixel correction mode. @param camera the camera. @param[out] mode 0 on failure
+ * and on a model without it. */
+VEXA_API BOOL VEXA_CALL Vexa_GetDefectPixelCorrectionMode(HANDLE camera, WORD* mode);
+/**
+ * Sets an entry of the defect pixel table.
+ * @param camera the camera; needs function 59.
+ * @param index  entry, from 0; not below Vexa_GetEnableDefectPixelCorrectionCount() gives 87.
+ * @param x,y    column and row of the pixel in the frame, low 16 bits count; 0xFFFF and 0xFFFF mark
+ *               an unused entry.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetDefectPixelCorrectionPosition(HANDLE camera, DWORD index, DWORD x,
+                                                              DWORD y);
+/** Reads an entry of the defect pixel table. @param camera the camera. @param index as for the
+ * setter. @param[out] x column. @param[out] y row. Each pointer may be null; untouched on
+ * failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetDefectPixelCorrectionPosition(HANDLE camera, DWORD index, DWORD* x,
+                                                              DWORD* y);
+
+/**
+ * Sets the white-balance gains: of the camera itself on models with function 24, else those that
+ * Vexa_WhiteBalance() applies on the host. There a sample i becomes min(255, i * gain / 128).
+ *
+ * At Vexa_Open() the camera's default gains are in force on the host, and those in the camera's
+ * registers in the camera.
+ * @param camera     the camera.
+ * @param red        gain of red pixels; 128 is unity.
+ * @param green_red  gain of green pixels in red rows.
+ * @param green_blue gain of green pixels in blue rows.
+ * @param blue       gain of blue pixels.
+ *
+ * Frames are corrected with all four old gains or all four new ones; the call waits for a running
+ * Vexa_WhiteBalance().
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetWhiteBalanceGain(HANDLE camera, WORD red, WORD green_red,
+                                                 WORD green_blue, WORD blue);
+/** The white-balance gains; on models with function 24 read from the camera. @param camera the
+ * camera. @param[out] red,green_red,green_blue,blue as for the setter; 0 on failure. Each pointer
+ * may be null. */
+VEXA_API BOOL VEXA_CALL Vexa_GetWhiteBalanceGain(HANDLE camera, WORD* red, WORD* green_red,
+                                                 WORD* green_blue, WORD* blue);
+/**
+ * Sets the white-balance mode.
+ * @param camera the camera.
+ * @param mode   VEXA_WHITE_BALANCE_ code, low 8 bits count; not checked. On models with function 24
+ *               the camera interprets it, elsewhere Vexa_WhiteBalance(), for which codes above 3
+ *               are as VEXA_WHITE_BALANCE_MANUAL. On the host the mode is manual after Vexa_Open().
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetWhiteBalanceMode(HANDLE camera, DWORD mode);
+/** The white-balance mode; on models with function 24 read from the camera. @param camera the
+ * camera. @param[out] mode 0 on failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetWhiteBalanceMode(HANDLE camera, BYTE* mode);
 /**@}*/
 
 /** @defgroup trigger Trigger and I/O */

@@ -30,12 +30,13 @@ CVexaCamera::CVexaCamera()
 CVexaCamera::~CVexaCamera() = default;
 
 Status CVexaCamera::Open(platform::Driver& driver) {
-  const Status status = device::OpenFirstFreeCamera(driver, channel_, identity_);
+  Status status = device::OpenFirstFreeCamera(driver, channel_, identity_);
   if (!status.ok()) {
     return status;
   }
   transfer_.set_max_transfer_size(device::ReadMaxTransferSize());
-  return ReloadSettings();
+  status = white_balance_.SetUp();
+  return status.ok() ? ReloadSettings() : status;
 }
 
 Status CVexaCamera::ReloadSettings() {

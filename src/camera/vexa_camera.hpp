@@ -13,12 +13,14 @@
 #include "output/easy_draw.hpp"
 #include "platform/driver.hpp"
 #include "platform/status.hpp"
+#include "settings/camera_correction.hpp"
 #include "settings/exposure_control.hpp"
 #include "settings/gain_exposure_interface.hpp"
 #include "settings/mirror.hpp"
 #include "settings/sensor_timing.hpp"
 #include "settings/transfer_format.hpp"
 #include "settings/trigger_io.hpp"
+#include "settings/white_balance.hpp"
 #include "transfer/notifier.hpp"
 #include "transfer/transfer_engine.hpp"
 #include "transfer/trigger_waits.hpp"
@@ -30,8 +32,9 @@ namespace vexa::camera {
 /// the camera handle.
 ///
 /// Locks, outermost first: the engine's start and stop lock, the callback mutex (held while a
-/// callback runs, so every lock that the callback's own calls take nests inside it), the short
-/// locks of the copies kept by parts, the control channel's request mutex (innermost, around one
+/// callback runs, so every lock that the callback's own calls take nests inside it), the white
+/// balance's lock (held while a frame is measured and while its gains are sent), the short locks of
+/// the copies kept by parts, the control channel's request mutex (innermost, around one
 /// request).
 class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
  public:
@@ -55,6 +58,8 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   settings::ExposureControl& exposure() { return exposure_; }
   settings::TransferFormat& transfer_format() { return transfer_format_; }
   settings::Mirror& mirror() { return mirror_; }
+  settings::CameraCorrection& correction() { return correction_; }
+  settings::WhiteBalance& white_balance() { return white_balance_; }
   settings::TriggerIo& trigger_io() { return trigger_io_; }
   transfer::TimeOuts& time_outs() { return time_outs_; }
   transfer::Triggers& triggers() { return triggers_; }
@@ -84,6 +89,8 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   settings::ExposureControl exposure_{channel_, registers_, identity_, timing_};
   settings::TransferFormat transfer_format_{channel_, identity_};
   settings::Mirror mirror_{registers_, identity_};
+  settings::CameraCorrection correction_{registers_, identity_};
+  settings::WhiteBalance white_balance_{channel_, registers_, identity_};
   settings::TriggerIo trigger_io_{channel_, registers_, identity_};
   transfer::TimeOuts time_outs_;
   transfer::Triggers triggers_{channel_, registers_};
