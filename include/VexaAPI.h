@@ -662,6 +662,44 @@ VEXA_API BOOL VEXA_CALL Vexa_SetWhiteBalanceMode(HANDLE camera, DWORD mode);
 VEXA_API BOOL VEXA_CALL Vexa_GetWhiteBalanceMode(HANDLE camera, BYTE* mode);
 /**@}*/
 
+/** @defgroup gain Gain */
+/**@{*/
+
+/**
+ * Sets the analog gain: reads the camera's gain and exposure block, changes it and writes it back.
+ * @param camera the camera.
+ * @param gain   setting value, usually 0 to Vexa_GetMaxGain(). The library does not check it: a
+ *               value that the camera refuses fails with the driver's code, and nothing changes.
+ * The present gain of the level control (Vexa_ALC()) follows.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetGain(HANDLE camera, WORD gain);
+/** Reads the analog gain. @param camera the camera. @param[out] gain setting value; untouched on
+ * failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetGain(HANDLE camera, WORD* gain);
+/** The highest analog gain of the present scan settings, from the library's copy. @param camera the
+ * camera. @param[out] gain setting value. */
+VEXA_API BOOL VEXA_CALL Vexa_GetMaxGain(HANDLE camera, WORD* gain);
+
+/**
+ * Decibels of an analog gain.
+ *
+ * The curve is the model's. With function 49 and without 16 the amplification is linear in two
+ * segments: 20 * log10(a / 64) with a = 8 * (v + 8) below v = 21, else 28 * (v - 12). With function
+ * 16 and without 49: (v + 128) * 0.07038 + 2. All others: v * 0.132 - 2.36.
+ * @param camera       the camera; nothing is sent.
+ * @param value        setting value v, low 16 bits count; it may lie above Vexa_GetMaxGain().
+ * @param[out] decibel decibels.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetGainDBFromSettingValue(HANDLE camera, DWORD value, float* decibel);
+
+/** Sets the digital gain, a factor that the camera applies to its samples. @param camera the
+ * camera. @param gain in the camera's units; the camera checks it. */
+VEXA_API BOOL VEXA_CALL Vexa_SetDigitalGain(HANDLE camera, WORD gain);
+/** Reads the digital gain. @param camera the camera. @param[out] gain in the camera's units; 0 on
+ * failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetDigitalGain(HANDLE camera, WORD* gain);
+/**@}*/
+
 /** @defgroup trigger Trigger and I/O */
 /**@{*/
 

@@ -67,12 +67,12 @@ output::CEasyDraw& CVexaCamera::easy_draw() {
   return *easy_draw_;
 }
 
-bool CVexaCamera::SetGainAndExposureClock(std::uint16_t gain, std::uint32_t exposure_clock) {
-  return exposure_.SetGainAndExposureClock(gain, exposure_clock).ok();
+Status CVexaCamera::SetGainAndExposureClock(std::uint16_t gain, std::uint32_t exposure_clock) {
+  return exposure_.SetGainAndExposureClock(gain, exposure_clock);
 }
 
-bool CVexaCamera::GetGainAndExposureClock(std::uint16_t* gain, std::uint32_t* exposure_clock) {
-  return exposure_.GetGainAndExposureClock(gain, exposure_clock).ok();
+Status CVexaCamera::GetGainAndExposureClock(std::uint16_t* gain, std::uint32_t* exposure_clock) {
+  return exposure_.GetGainAndExposureClock(gain, exposure_clock);
 }
 
 std::uint16_t CVexaCamera::GetMaxGain() { return timing_.Settings().max_gain(); }

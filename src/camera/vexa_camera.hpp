@@ -72,8 +72,8 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   std::atomic<std::uint32_t>& transfer_mode() { return transfer_mode_; }
 
   // IUpdateGainExposureClockSetting
-  bool SetGainAndExposureClock(std::uint16_t gain, std::uint32_t exposure_clock) override;
-  bool GetGainAndExposureClock(std::uint16_t* gain, std::uint32_t* exposure_clock) override;
+  Status SetGainAndExposureClock(std::uint16_t gain, std::uint32_t exposure_clock) override;
+  Status GetGainAndExposureClock(std::uint16_t* gain, std::uint32_t* exposure_clock) override;
   std::uint16_t GetMaxGain() override;
   std::uint16_t GetMinGain() override;
   float GainToDecibel(std::uint32_t gain) override;
