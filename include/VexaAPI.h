@@ -189,8 +189,28 @@ VEXA_API void SetLastError(DWORD code);
 
 /** @name Mirror mode bits of Vexa_SetMirrorMode() */
 /**@{*/
-#define VEXA_MIRROR_HORIZONTAL 0x10
-#define VEXA_MIRROR_VERTICAL 0x20
+#define VEXA_CAMERA_MIRROR_HORIZONTAL 0x10
+#define VEXA_CAMERA_MIRROR_VERTICAL 0x20
+/**@}*/
+
+/** @name Operations of Vexa_MirrorRotation()
+ * Where pixel (x, y) of a frame of width W and height H goes. */
+/**@{*/
+#define VEXA_MIRROR_NONE 0             /**< Stays. */
+#define VEXA_MIRROR_HORIZONTAL 1       /**< (W - 1 - x, y) */
+#define VEXA_MIRROR_VERTICAL 2         /**< (x, H - 1 - y) */
+#define VEXA_ROTATE_180 3              /**< (W - 1 - x, H - 1 - y) */
+#define VEXA_ROTATE_CLOCKWISE 4        /**< (H - 1 - y, x); the frame becomes H x W. */
+#define VEXA_ROTATE_COUNTERCLOCKWISE 5 /**< (y, W - 1 - x); H x W. */
+#define VEXA_TRANSPOSE_ANTIDIAGONAL 6  /**< (H - 1 - y, W - 1 - x); H x W. */
+#define VEXA_TRANSPOSE 7               /**< (y, x); H x W. */
+/**@}*/
+
+/** @name Quarter turns after the mirrors of Vexa_MirrorRotation() */
+/**@{*/
+#define VEXA_ROTATION_NONE 0
+#define VEXA_ROTATION_CLOCKWISE 1
+#define VEXA_ROTATION_COUNTERCLOCKWISE 2
 /**@}*/
 
 /** @name White-balance modes of Vexa_SetWhiteBalanceMode() */
@@ -443,13 +463,13 @@ VEXA_API BOOL VEXA_CALL Vexa_GetColorArray(HANDLE camera, WORD* color_array);
 /**
  * Sets the mirroring that the camera does itself.
  * @param camera the camera.
- * @param mode   VEXA_MIRROR_ bits; other bits are ignored. Horizontal needs function 22, vertical
- *               function 23, else 87. On a model with neither, a mode without both bits succeeds
- *               and sends nothing. The colour array follows also when the camera refuses.
+ * @param mode   VEXA_CAMERA_MIRROR_ bits; other bits are ignored. Horizontal needs function 22,
+ * vertical function 23, else 87. On a model with neither, a mode without both bits succeeds and
+ * sends nothing. The colour array follows also when the camera refuses.
  */
 VEXA_API BOOL VEXA_CALL Vexa_SetMirrorMode(HANDLE camera, BYTE mode);
-/** Reads the mirroring from the camera. @param camera the camera. @param[out] mode VEXA_MIRROR_
- * bits; 0 on failure and on a model without mirroring. */
+/** Reads the mirroring from the camera. @param camera the camera. @param[out] mode
+ * VEXA_CAMERA_MIRROR_ bits; 0 on failure and on a model without mirroring. */
 VEXA_API BOOL VEXA_CALL Vexa_GetMirrorMode(HANDLE camera, BYTE* mode);
 /**@}*/
 
@@ -868,6 +888,31 @@ VEXA_API BOOL VEXA_CALL Vexa_GetTransferMode(HANDLE camera, DWORD* mode);
 VEXA_API BOOL VEXA_CALL Vexa_ColorInterpolation(DWORD width, DWORD height, WORD color_array,
                                                 const BYTE* source, BYTE* destination, BYTE method,
                                                 DWORD output_format);
+
+/**
+ * Mirrors, turns or transposes an 8-bit frame, raw or monochrome, in its buffer, and brings its
+ * size and colour array up to date, so that Vexa_ColorInterpolation() takes the right phase. The
+ * camera's own mirroring is Vexa_SetMirrorMode().
+ *
+ * @param operation   VEXA_MIRROR_, VEXA_ROTATE_ or VEXA_TRANSPOSE_ operation; 8 and above do
+ *                    nothing and succeed.
+ * @param rotation    VEXA_ROTATION_NONE leaves it at the operation. With a quarter turn only bits 0
+ *                    (horizontal mirror) and 1 (vertical mirror) of the operation count, also of 8
+ *                    and above: the mirrors come first, the turn after them.
+ * @param[in,out] width  pixels per row; the height after a quarter turn or transpose.
+ * @param[in,out] height rows; the width after a quarter turn or transpose.
+ * @param[in,out] color_array VEXA_COLOR_ARRAY_ code of the frame. What becomes of the four Bayer
+ *                    codes is exact for even sizes: an odd width or height moves the pixels in the
+ *                    same way, but shifts the pattern. Other codes stay.
+ * @param[in,out] frame  width * height bytes.
+ * @return 0 with 87 for rotation codes above 2, for null pointers and for a frame larger than the
+ *         address space; 0 with 8 when there is no memory for the copy of the frame that quarter
+ *         turns and transposes work from. Frame, size and colour array are then unchanged.
+ *
+ * Starts no thread, keeps no state.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_MirrorRotation(BYTE operation, BYTE rotation, DWORD* width,
+                                            DWORD* height, WORD* color_array, BYTE* frame);
 /**@}*/
 
 /** @defgroup drawing Drawing */
