@@ -845,6 +845,48 @@ VEXA_API BOOL VEXA_CALL Vexa_SetRcvErrorCallback(HANDLE camera, VEXA_RCV_ERROR_C
  * event has returned. @param camera the camera. @param window null posts none. */
 VEXA_API BOOL VEXA_CALL Vexa_SetRcvMsgWnd(HANDLE camera, HWND window);
 
+/**
+ * Sets how many frames are kept for Vexa_TakeRawSnapShot(), and forgets those kept so far.
+ *
+ * The transfer thread copies every frame into a ring of this length, where a new frame takes the
+ * place of the oldest one. Until this call or the first Vexa_TakeRawSnapShot() there is no ring,
+ * and frames are not copied.
+ * @param camera the camera.
+ * @param count  frames of the present image size; 0 frees the ring, and the next
+ *               Vexa_TakeRawSnapShot() makes one of 2.
+ * @return 1, also when memory ran out; the next Vexa_TakeRawSnapShot() then tries again.
+ *
+ * Not while another thread waits in Vexa_TakeRawSnapShot(): that one would wait in vain.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetRawSnapShotBufferCount(HANDLE camera, DWORD count);
+
+/**
+ * Takes the oldest raw frame that has been kept, or waits for the next one. Starts the transfer
+ * when none runs, and leaves it running.
+ *
+ * Makes a ring of the length set with Vexa_SetRawSnapShotBufferCount(), at least 2, when there is
+ * none, and a new one when the image size has changed. Each Vexa_StartTransfer() empties it. Frames
+ * reach the ring before their transfer-end callback runs.
+ * @param camera            the camera.
+ * @param[out] buffer       receives the image in the transfer format, without header, cut to the
+ *                          buffer; may be null when buffer_size is 0.
+ * @param buffer_size       bytes that the buffer has room for.
+ * @param[out] bytes_copied bytes put into the buffer; may be null. Unchanged on failure.
+ * @param[out] frame_number the camera's frame number; may be null. Unchanged on failure.
+ * @param timeout           longest wait in milliseconds; 0 only looks, INFINITE waits without
+ *                          limit.
+ * @return 0 with 258 (WAIT_TIMEOUT) when no frame came in time; 5 when the transfer has ended
+ *         because the camera is gone, or is stopped during the wait; 8 when memory for the ring ran
+ *         out; 170 (ERROR_BUSY) when another thread waits here for this camera; else the error of
+ *         Vexa_StartTransfer().
+ *
+ * One thread at a time may wait on a camera. In a callback of the same camera the time-out counts
+ * as 0, because the frame waited for could not come.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_TakeRawSnapShot(HANDLE camera, BYTE* buffer, DWORD buffer_size,
+                                             DWORD* bytes_copied, DWORD* frame_number,
+                                             DWORD timeout);
+
 /** Bytes of the most recently received transfer, accepted or lost. @param camera the camera.
  * @param[out] size bytes; 0 for an invalid handle.
  * @return always 0; the last error is set (87) only for an invalid handle. */

@@ -21,6 +21,7 @@ CVexaCamera::CVexaCamera()
                  .mirror = mirror_,
                  .time_outs = time_outs_,
                  .triggers = triggers_,
+                 .snapshot = snapshot_,
                  .notifier = notifier_},
                 {.timing = timing_,
                  .exposure = exposure_,
