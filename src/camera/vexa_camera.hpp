@@ -22,6 +22,7 @@
 #include "settings/trigger_io.hpp"
 #include "settings/white_balance.hpp"
 #include "transfer/notifier.hpp"
+#include "transfer/snapshot.hpp"
 #include "transfer/transfer_engine.hpp"
 #include "transfer/trigger_waits.hpp"
 #include "transfer/triggers.hpp"
@@ -31,11 +32,11 @@ namespace vexa::camera {
 /// One camera: composes the parts that each own a piece of its state. The address of the object is
 /// the camera handle.
 ///
-/// Locks, outermost first: the engine's start and stop lock, the callback mutex (held while a
-/// callback runs, so every lock that the callback's own calls take nests inside it), the white
-/// balance's lock (held while a frame is measured and while its gains are sent), the short locks of
-/// the copies kept by parts, the control channel's request mutex (innermost, around one
-/// request).
+/// Locks, outermost first: the engine's start and stop lock, the snapshot mutex with the ring's own
+/// inside it (released before a callback runs), the callback mutex (held while a callback runs, so
+/// every lock that the callback's own calls take nests inside it), the white balance's lock (held
+/// while a frame is measured and while its gains are sent), the short locks of the copies kept by
+/// parts, the control channel's request mutex (innermost, around one request).
 class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
  public:
   CVexaCamera();
@@ -63,6 +64,7 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   settings::TriggerIo& trigger_io() { return trigger_io_; }
   transfer::TimeOuts& time_outs() { return time_outs_; }
   transfer::Triggers& triggers() { return triggers_; }
+  transfer::RawSnapshot& snapshot() { return snapshot_; }
   transfer::Notifier& notifier() { return notifier_; }
   transfer::TransferEngine& transfer() { return transfer_; }
   /// The drawing object, made by the first call; throws std::bad_alloc. No lock: calls must not
@@ -72,8 +74,8 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   std::atomic<std::uint32_t>& transfer_mode() { return transfer_mode_; }
 
   // IUpdateGainExposureClockSetting
-  bool SetGainAndExposureClock(std::uint16_t gain, std::uint32_t exposure_clock) override;
-  bool GetGainAndExposureClock(std::uint16_t* gain, std::uint32_t* exposure_clock) override;
+  Status SetGainAndExposureClock(std::uint16_t gain, std::uint32_t exposure_clock) override;
+  Status GetGainAndExposureClock(std::uint16_t* gain, std::uint32_t* exposure_clock) override;
   std::uint16_t GetMaxGain() override;
   std::uint16_t GetMinGain() override;
   float GainToDecibel(std::uint32_t gain) override;
@@ -94,6 +96,7 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   settings::TriggerIo trigger_io_{channel_, registers_, identity_};
   transfer::TimeOuts time_outs_;
   transfer::Triggers triggers_{channel_, registers_};
+  transfer::RawSnapshot snapshot_;
   transfer::Notifier notifier_{this};
   transfer::TransferEngine transfer_;
   std::atomic<std::uint32_t> transfer_mode_ = 0;
