@@ -218,7 +218,7 @@ TEST_F(WhiteBalanceTest, FindsAndAppliesGainsAsTheModeSays) {
   }
   // Mirrored, the same cells begin with green.
   EXPECT_EQ(Wire(*twin_), std::vector<std::string>());
-  EXPECT_TRUE(Vexa_SetMirrorMode(camera_, VEXA_MIRROR_HORIZONTAL));
+  EXPECT_TRUE(Vexa_SetMirrorMode(camera_, VEXA_CAMERA_MIRROR_HORIZONTAL));
   EXPECT_EQ(Corrected(CellFrame(kWidth, kHeight, {100, 50, 200, 100})),
             CellFrame(kWidth, kHeight, {200, 0, 255, 50}));
   SetLastError(0);
