@@ -15,6 +15,7 @@
 #include "platform/status.hpp"
 #include "settings/exposure_control.hpp"
 #include "settings/gain_exposure_interface.hpp"
+#include "settings/level_control.hpp"
 #include "settings/mirror.hpp"
 #include "settings/sensor_timing.hpp"
 #include "settings/transfer_format.hpp"
@@ -30,7 +31,8 @@ namespace vexa::camera {
 /// the camera handle.
 ///
 /// Locks, outermost first: the engine's start and stop lock, the callback mutex (held while a
-/// callback runs, so every lock that the callback's own calls take nests inside it), the short
+/// callback runs, so every lock that the callback's own calls take nests inside it), the level
+/// control's (held while it sends), the short
 /// locks of the copies kept by parts, the control channel's request mutex (innermost, around one
 /// request).
 class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
@@ -48,6 +50,10 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   /// does not know it.
   Status SendCameraSetting(std::uint16_t command);
 
+  /// Sets the camera's gain or exposure; the level control goes on from there.
+  Status SetGain(std::uint16_t gain);
+  Status SetExposureClock(std::uint32_t exposure_clock);
+
   device::ControlChannel& channel() { return channel_; }
   const device::CameraIdentity& identity() const { return identity_; }
   device::Registers& registers() { return registers_; }
@@ -55,6 +61,7 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   settings::ExposureControl& exposure() { return exposure_; }
   settings::TransferFormat& transfer_format() { return transfer_format_; }
   settings::Mirror& mirror() { return mirror_; }
+  settings::LevelControl& level_control() { return level_control_; }
   settings::TriggerIo& trigger_io() { return trigger_io_; }
   transfer::TimeOuts& time_outs() { return time_outs_; }
   transfer::Triggers& triggers() { return triggers_; }
@@ -84,6 +91,7 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   settings::ExposureControl exposure_{channel_, registers_, identity_, timing_};
   settings::TransferFormat transfer_format_{channel_, identity_};
   settings::Mirror mirror_{registers_, identity_};
+  settings::LevelControl level_control_{*this, registers_, identity_};
   settings::TriggerIo trigger_io_{channel_, registers_, identity_};
   transfer::TimeOuts time_outs_;
   transfer::Triggers triggers_{channel_, registers_};

@@ -18,6 +18,8 @@ enum class Function : std::uint32_t {
   kVerticalBlanking = 21,
   kHorizontalMirror = 22,
   kVerticalMirror = 23,
+  kCameraGainControl = 25,
+  kCameraExposureControl = 26,
   kSuppliesTimingLimits = 48,
   kGainCurve2 = 49,
 };
