@@ -720,6 +720,86 @@ VEXA_API BOOL VEXA_CALL Vexa_SetDigitalGain(HANDLE camera, WORD gain);
 VEXA_API BOOL VEXA_CALL Vexa_GetDigitalGain(HANDLE camera, WORD* gain);
 /**@}*/
 
+/** @defgroup level Automatic level control
+ *
+ * Keeps the brightness of the image at a target level, by exposure (AE) and analog gain (AGC)
+ * within limits. Two loops exist. The library's makes one step with every Vexa_ALC(); the camera's
+ * own runs by itself on models with function 25 (gain) or 26 (exposure). Mode, target and limits
+ * are for both: where the model has the function, the library also writes them to the camera's
+ * registers. Vexa_Open() and Vexa_CameraSetting() set mode 0, target 128, exposure 1 clock to one
+ * full frame and the whole gain range, then read target and limits from such a camera.
+ *
+ * No range is checked. An exposure of 0 clocks stands for one full frame
+ * (Vexa_GetMaxShortExposureClock()) also in the limits. Setters other than Vexa_SetALCMode() keep
+ * the value in the library also when writing it to the camera fails. Getters give the camera's
+ * value where the model has it; when reading it fails they fail and give the library's. Functions
+ * of this group may run on different threads. */
+/**@{*/
+
+/** @name Change report of Vexa_ALC() */
+/**@{*/
+#define VEXA_ALC_EXPOSURE_CHANGED 1u /**< The exposure has changed. */
+#define VEXA_ALC_GAIN_CHANGED 2u     /**< The gain has changed. */
+/**@}*/
+
+/**
+ * Sets the modes of both loops.
+ * @param camera the camera.
+ * @param mode   low 8 bits count. Bits 0-3, the library's loop: 0 off; 1 exposure and gain, the
+ * gain only where the exposure is at its maximum; 2 exposure; 3 gain; 4 to 6 as 1 to 3, but the
+ * mode becomes 0 with the first step that changes nothing; 7 to 15 as 3 without bringing the gain
+ * into its limits first. Bits 4-7, the camera's loop (its own modes). 87, nothing changes: both
+ * loops at once, or the camera's on a model without functions 25 and 26. The library's mode follows
+ * also when the camera fails to take its own.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetALCMode(HANDLE camera, DWORD mode);
+/** Reads the modes of both loops. @param camera the camera. @param[out] mode as Vexa_SetALCMode().
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetALCMode(HANDLE camera, BYTE* mode);
+/** Sets the target level. @param camera the camera. @param level brightness on the scale of the
+ * levels that Vexa_ALC() is given, low 16 bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetALCTargetLevel(HANDLE camera, DWORD level);
+/** Reads the target level. @param camera the camera. @param[out] level brightness. */
+VEXA_API BOOL VEXA_CALL Vexa_GetALCTargetLevel(HANDLE camera, WORD* level);
+/** Sets the upper limit of the gain. @param camera the camera. @param gain setting value, low 16
+ * bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetAGCMaxGain(HANDLE camera, DWORD gain);
+/** Reads the upper limit of the gain. @param camera the camera. @param[out] gain setting value. */
+VEXA_API BOOL VEXA_CALL Vexa_GetAGCMaxGain(HANDLE camera, WORD* gain);
+/** Sets the lower limit of the gain. @param camera the camera. @param gain setting value, low 16
+ * bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetAGCMinGain(HANDLE camera, DWORD gain);
+/** Reads the lower limit of the gain. @param camera the camera. @param[out] gain setting value. */
+VEXA_API BOOL VEXA_CALL Vexa_GetAGCMinGain(HANDLE camera, WORD* gain);
+/** Sets the upper limit of the exposure. @param camera the camera. @param exposure_clock clocks; 0
+ * means one full frame. */
+VEXA_API BOOL VEXA_CALL Vexa_SetAEMaxExposureClock(HANDLE camera, DWORD exposure_clock);
+/** Reads the upper limit of the exposure. @param camera the camera. @param[out] exposure_clock
+ * clocks. */
+VEXA_API BOOL VEXA_CALL Vexa_GetAEMaxExposureClock(HANDLE camera, DWORD* exposure_clock);
+/** Sets the lower limit of the exposure. @param camera the camera. @param exposure_clock clocks; 0
+ * means one full frame. */
+VEXA_API BOOL VEXA_CALL Vexa_SetAEMinExposureClock(HANDLE camera, DWORD exposure_clock);
+/** Reads the lower limit of the exposure. @param camera the camera. @param[out] exposure_clock
+ * clocks. */
+VEXA_API BOOL VEXA_CALL Vexa_GetAEMinExposureClock(HANDLE camera, DWORD* exposure_clock);
+
+/**
+ * One step of the library's loop: brings gain and exposure into their limits or, when they are
+ * there, closer to the target, and writes both to the camera in one request.
+ *
+ * Nothing changes while the level is within 5 of the target, or within 10 when the step before
+ * changed nothing. One step at most doubles the exposure, or amplifies the present gain's picture
+ * twofold. Best called with the level of a frame that was exposed after the step before.
+ * @param camera       the camera; in mode 0 nothing is sent.
+ * @param level        measured brightness of a frame, low 16 bits count.
+ * @param[out] changed VEXA_ALC_ bits; 0 when nothing changed. Also set when writing to the camera
+ *                     fails; the loop then goes on from the values that it tried to write.
+ * May be called from a callback.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ALC(HANDLE camera, DWORD level, DWORD* changed);
+/**@}*/
+
 /** @defgroup trigger Trigger and I/O */
 /**@{*/
 

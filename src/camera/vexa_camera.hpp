@@ -16,6 +16,7 @@
 #include "settings/camera_correction.hpp"
 #include "settings/exposure_control.hpp"
 #include "settings/gain_exposure_interface.hpp"
+#include "settings/level_control.hpp"
 #include "settings/mirror.hpp"
 #include "settings/sensor_timing.hpp"
 #include "settings/transfer_format.hpp"
@@ -35,8 +36,9 @@ namespace vexa::camera {
 /// Locks, outermost first: the engine's start and stop lock, the snapshot mutex with the ring's own
 /// inside it (released before a callback runs), the callback mutex (held while a callback runs, so
 /// every lock that the callback's own calls take nests inside it), the white balance's lock (held
-/// while a frame is measured and while its gains are sent), the short locks of the copies kept by
-/// parts, the control channel's request mutex (innermost, around one request).
+/// while a frame is measured and while its gains are sent) or the level control's (held while it
+/// sends), the short locks of the copies kept by parts, the control channel's request mutex
+/// (innermost, around one request).
 class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
  public:
   CVexaCamera();
@@ -52,6 +54,10 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   /// does not know it.
   Status SendCameraSetting(std::uint16_t command);
 
+  /// Sets the camera's gain or exposure; the level control goes on from there.
+  Status SetGain(std::uint16_t gain);
+  Status SetExposureClock(std::uint32_t exposure_clock);
+
   device::ControlChannel& channel() { return channel_; }
   const device::CameraIdentity& identity() const { return identity_; }
   device::Registers& registers() { return registers_; }
@@ -61,6 +67,7 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   settings::Mirror& mirror() { return mirror_; }
   settings::CameraCorrection& correction() { return correction_; }
   settings::WhiteBalance& white_balance() { return white_balance_; }
+  settings::LevelControl& level_control() { return level_control_; }
   settings::TriggerIo& trigger_io() { return trigger_io_; }
   transfer::TimeOuts& time_outs() { return time_outs_; }
   transfer::Triggers& triggers() { return triggers_; }
@@ -93,6 +100,7 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   settings::Mirror mirror_{registers_, identity_};
   settings::CameraCorrection correction_{registers_, identity_};
   settings::WhiteBalance white_balance_{channel_, registers_, identity_};
+  settings::LevelControl level_control_{*this, registers_, identity_};
   settings::TriggerIo trigger_io_{channel_, registers_, identity_};
   transfer::TimeOuts time_outs_;
   transfer::Triggers triggers_{channel_, registers_};
