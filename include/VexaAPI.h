@@ -1035,6 +1035,43 @@ VEXA_API BOOL VEXA_CALL Vexa_ColorInterpolation(DWORD width, DWORD height, WORD 
  */
 VEXA_API BOOL VEXA_CALL Vexa_MirrorRotation(BYTE operation, BYTE rotation, DWORD* width,
                                             DWORD* height, WORD* color_array, BYTE* frame);
+
+/**
+ * Sets the camera's sharpness settings, which Vexa_Sharpness() goes by from its next call on.
+ * @param camera the camera; nothing is sent to it.
+ * @param mode   0 off, every other value on.
+ * @param gain   hundredths: 100 moves a pixel as far again from its neighbours' mean.
+ * @param coring levels: pixels no farther from the mean than this stay.
+ * Waits while an image of this camera is being sharpened.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetSharpnessMode(HANDLE camera, BYTE mode, WORD gain, BYTE coring);
+/** The sharpness settings; 0, 0 and 0 until set. @param camera the camera. @param[out]
+ * mode,gain,coring as Vexa_SetSharpnessMode(); each may be null. */
+VEXA_API BOOL VEXA_CALL Vexa_GetSharpnessMode(HANDLE camera, BYTE* mode, WORD* gain, BYTE* coring);
+
+/**
+ * Sharpens an image in its buffer by the camera's sharpness settings.
+ *
+ * A pixel farther than `coring` levels from the mean m of its eight neighbours in the unsharpened
+ * image (their sum plus 4, divided by 8) moves away from m by gain / 100 for each level beyond
+ * `coring`, rounded, and stays in 0 to 255. In colour images luminance decides (0.2989 R + 0.5866 G
+ * + 0.1145 B, the red and the blue part each rounded, green what remains of a grey pixel's level),
+ * and blue, green and red move by the same step.
+ * @param camera        the camera.
+ * @param width         pixels per row.
+ * @param height        rows. The outermost rows and columns do not change; an image below 3 x 3
+ *                      does not change at all, with success.
+ * @param output_format VEXA_OUTPUT_MONO8, VEXA_OUTPUT_BGR24 or VEXA_OUTPUT_BGR32 (whose fourth byte
+ *                      stays).
+ * @param[in,out] image width * height pixels.
+ * @return 1, without looking at the other arguments, while the mode is 0. 0 with 87 for another
+ *         format, for a null pointer and for an image larger than the address space; 0 with 8 when
+ *         there is no memory for 8 bytes per column. The image is then unchanged.
+ *
+ * Calls with one camera run one after the other. Starts no thread.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_Sharpness(HANDLE camera, DWORD width, DWORD height,
+                                       DWORD output_format, BYTE* image);
 /**@}*/
 
 /** @defgroup measuring Measurements on raw frames */

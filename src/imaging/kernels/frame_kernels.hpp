@@ -1,5 +1,6 @@
 /// \file
-/// The inner loops of the operations that change a frame in place: mirrors and rotations.
+/// The inner loops of the operations that change a frame in place: mirrors, rotations and
+/// sharpening.
 #pragma once
 
 #include <cstddef>
@@ -9,6 +10,14 @@
 #include "imaging/kernels/row_kernels.hpp"
 
 namespace vexa::imaging {
+
+/// What sharpening a stretch of a row goes by. Entry i of each belongs to pixel i.
+struct Neighbourhood {
+  /// Luminance of three pixels side by side, added up: in the row above, this one, and below.
+  const std::uint16_t* sums[3];
+  const Sample* luma;   ///< of the pixels themselves
+  const Sample* boost;  ///< 256 entries: how far a pixel moves for its distance from the mean
+};
 
 /// One version of every inner loop. Counts may be 0; buffers do not overlap and no alignment is
 /// assumed, except where more is said.
@@ -26,6 +35,19 @@ struct FrameKernels {
   /// quarter turn of it.
   void (*transpose)(const Sample* in, std::ptrdiff_t in_stride, Sample* out,
                     std::ptrdiff_t out_stride, std::size_t columns, std::size_t rows);
+
+  /// sums[i] = row[i] + row[i + 1] + row[i + 2]
+  void (*row_sums)(const Sample* row, std::uint16_t* sums, std::size_t n);
+
+  /// Luminance of n pixels (see luma.hpp).
+  void (*luma_bgr24)(const Sample* pixels, Sample* luma, std::size_t n);
+  void (*luma_bgr32)(const Sample* pixels, Sample* luma, std::size_t n);
+
+  /// Moves n pixels away from the mean of their neighbours; the fourth byte of BGR32 stays. Of a
+  /// monochrome row `neighbourhood.luma` is the row itself.
+  void (*sharpen_mono)(const Neighbourhood& neighbourhood, Sample* pixels, std::size_t n);
+  void (*sharpen_bgr24)(const Neighbourhood& neighbourhood, Sample* pixels, std::size_t n);
+  void (*sharpen_bgr32)(const Neighbourhood& neighbourhood, Sample* pixels, std::size_t n);
 };
 
 /// Plain C++, on every processor.
