@@ -983,6 +983,38 @@ VEXA_API DWORD VEXA_CALL Vexa_SetTransferMode(HANDLE camera, DWORD mode);
 VEXA_API BOOL VEXA_CALL Vexa_GetTransferMode(HANDLE camera, DWORD* mode);
 /**@}*/
 
+/** @defgroup power Processor idle state */
+/**@{*/
+
+/**
+ * Allows or forbids the machine's processors their idle states in the active power scheme. Waking
+ * from an idle state can take longer than a camera's buffer lasts.
+ *
+ * Acts on the whole machine and lasts beyond the program. Windows Vista (version 6.0, as
+ * GetVersionEx() tells it to the program) changes the idle-state policies that the scheme refers
+ * to, later versions the setting "processor idle disable", earlier ones the permission to move to
+ * deeper idle states in the processor power scheme. Elsewhere than on Windows the state is kept in
+ * the process and has no effect.
+ * @param ac_enabled 0 forbids idle states on mains power; any other value allows them (before
+ *                   Windows Vista the lowest bit counts).
+ * @param dc_enabled the same for battery power.
+ * @return 0 with the reason why PowrProf.dll could not be loaded or lacks a function (126, 127); 13
+ *         (ERROR_INVALID_DATA) when an idle-state policy is too short; else the code of the power
+ *         function that failed. What was changed before the failure stays.
+ *
+ * Calls of several threads or processes are not coordinated.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetProcessorIdleState(BOOL ac_enabled, BOOL dc_enabled);
+
+/**
+ * Reads whether the machine's processors may use their idle states.
+ * @param[out] ac_enabled 1 or 0 for mains power; may be null. Unchanged on failure.
+ * @param[out] dc_enabled the same for battery power.
+ * @return as Vexa_SetProcessorIdleState().
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetProcessorIdleState(BOOL* ac_enabled, BOOL* dc_enabled);
+/**@}*/
+
 /** @defgroup imaging Image processing */
 /**@{*/
 
