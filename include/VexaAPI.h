@@ -149,6 +149,27 @@ VEXA_API void SetLastError(DWORD code);
 #define VEXA_INTERP_CELL_CENTRED 5 /**< Bilinear at cell centres; half a pixel right and down. */
 /**@}*/
 
+/** @name Gamma channels and modes of Vexa_SetGammaModeEx() */
+/**@{*/
+#define VEXA_GAMMA_CHANNEL_Y 0    /**< 8-bit images, and the luminance of BGR images. */
+#define VEXA_GAMMA_CHANNEL_R 1    /**< Red samples of raw frames. */
+#define VEXA_GAMMA_CHANNEL_GR 2   /**< Green samples in rows with red. */
+#define VEXA_GAMMA_CHANNEL_GB 3   /**< Green samples in rows with blue. */
+#define VEXA_GAMMA_CHANNEL_B 4    /**< Blue samples. */
+#define VEXA_GAMMA_MODE_OFF 0     /**< Every level stays. */
+#define VEXA_GAMMA_MODE_CURVE 1   /**< A curve from gamma, brightness and contrast. */
+#define VEXA_GAMMA_MODE_REVERSE 2 /**< The curve read from its end: a negative. */
+#define VEXA_GAMMA_MODE_TABLE 255 /**< The caller's table. */
+/**@}*/
+
+/** @name Modes of Vexa_SetColorMatrix() and Vexa_SetHueSaturationMode() */
+/**@{*/
+#define VEXA_COLOR_MATRIX_OFF 0    /**< The identity. */
+#define VEXA_COLOR_MATRIX_USER 255 /**< The caller's matrix. */
+#define VEXA_HUE_SATURATION_OFF 0
+#define VEXA_HUE_SATURATION_ON 1
+/**@}*/
+
 /** @name Time-outs of Vexa_SetTimeOut() */
 /**@{*/
 #define VEXA_TIMEOUT_ST2EE 0 /**< Software trigger to the first transfer of the frame. */
@@ -1042,6 +1063,174 @@ VEXA_API BOOL VEXA_CALL Vexa_GetProcessorIdleState(BOOL* ac_enabled, BOOL* dc_en
 VEXA_API BOOL VEXA_CALL Vexa_ColorInterpolation(DWORD width, DWORD height, WORD color_array,
                                                 const BYTE* source, BYTE* destination, BYTE method,
                                                 DWORD output_format);
+
+/**
+ * Reduces a raw or monochrome frame to 8 bits per pixel.
+ *
+ * @param width           pixels per row.
+ * @param height          rows.
+ * @param transfer_format VEXA_TRANSFER_ code of the frame. Samples of 10, 12, 14 and 16 bits lose
+ *                        their lowest 2, 4, 6 and 8 bits; of words with more significant bits than
+ *                        the format has, the low byte of what remains counts. Every other code,
+ *                        several bits at once too, is taken for 8 bits: a copy.
+ * @param source          width * height bytes or words.
+ * @param destination     width * height bytes; must not overlap the source.
+ * @return 0 with 87 for VEXA_TRANSFER_BGR24, _BGR30, _YUV411, _YUV422 and _YUV444, and for null
+ *         pointers.
+ *
+ * Starts no thread, keeps no state, allocates nothing.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ConvTo8BitsImage(DWORD width, DWORD height, DWORD transfer_format,
+                                              const BYTE* source, BYTE* destination);
+
+/**
+ * Turns a frame of any transfer format into an image, without interpolating colours.
+ *
+ * Raw and monochrome samples become 8 bits as in Vexa_ConvTo8BitsImage(), for BGR images in all
+ * three channels. VEXA_TRANSFER_BGR30 gives the high 8 bits of its fields. YUV groups hold, in this
+ * order, U Y0 Y1 V Y2 Y3 (4:1:1, four pixels), U Y0 V Y1 (4:2:2, two pixels) and U Y V (4:4:4, one
+ * pixel), U and V offset by 128; with u = U - 128 and v = V - 128
+ *   B = Y + 1.7718 u,  G = Y - 0.3441 u - 0.7139 v,  R = Y + 1.402 v
+ * (the full-range weights of ITU-R BT.601), each product truncated toward zero and each sum limited
+ * to 0..255.
+ *
+ * @param width           pixels per row; for the YUV formats a multiple of 4.
+ * @param height          rows.
+ * @param transfer_format VEXA_TRANSFER_ code of the frame. Every other code, several bits at once
+ *                        too, writes nothing and succeeds.
+ * @param source          the frame: rows top first, no padding.
+ * @param output_format   VEXA_OUTPUT_MONO8 (colour frames give their green or Y), VEXA_OUTPUT_BGR24
+ *                        or VEXA_OUTPUT_BGR32.
+ * @param destination     width * height pixels; must not overlap the source. The fourth byte of
+ *                        BGR32 keeps its value.
+ * @return 0 with 87 for an unknown output format, a YUV frame whose width is not a multiple of 4
+ *         (nothing is written: its rows would end inside a group), and for null pointers.
+ *
+ * Starts no thread, keeps no state, allocates nothing.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ConvYUVOrBGRToBGRImage(DWORD width, DWORD height,
+                                                    DWORD transfer_format, const BYTE* source,
+                                                    DWORD output_format, BYTE* destination);
+
+/**
+ * Sets one of the camera object's tone curves (the camera itself does not know of them). The curve
+ * is, with v = i + brightness and c = contrast up to 127, 0 for v <= c, 255 for v >= 255 - c, and
+ * between them
+ *   255 * ((v - c) / (255 - 2 c)) ^ (100 / gamma), rounded.
+ *
+ * @param camera     the camera.
+ * @param channel    VEXA_GAMMA_CHANNEL_ code.
+ * @param mode       VEXA_GAMMA_MODE_ code. Modes _OFF and _TABLE store gamma 100, brightness 0 and
+ *                   contrast 0 whatever is passed.
+ * @param gamma      hundredths, from 1; above 100 lifts the mid-tones.
+ * @param brightness levels, -32768 to 32767.
+ * @param contrast   levels cut off at each end; above 127 works as 127 and is read back as passed.
+ * @param table      256 bytes, read in mode VEXA_GAMMA_MODE_TABLE only.
+ * @return 0 with 87 for an unknown channel or mode, gamma 0 in the two curve modes, and a null
+ * table in VEXA_GAMMA_MODE_TABLE; the channel stays as it was.
+ *
+ * Any thread may call it; a frame that is being corrected meanwhile is finished first.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetGammaModeEx(HANDLE camera, BYTE channel, BYTE mode, WORD gamma,
+                                            short brightness, BYTE contrast, const BYTE* table);
+
+/**
+ * Reads a tone curve.
+ * @param camera          the camera.
+ * @param channel         VEXA_GAMMA_CHANNEL_ code; others give 87.
+ * @param[out] mode       as set, 0 at first. Each pointer may be null.
+ * @param[out] gamma      as stored, 100 at first.
+ * @param[out] brightness as stored.
+ * @param[out] contrast   as stored.
+ * @param[out] table      the 256 entries.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetGammaModeEx(HANDLE camera, BYTE channel, BYTE* mode, WORD* gamma,
+                                            short* brightness, BYTE* contrast, BYTE* table);
+
+/**
+ * Applies the tone curves R, GR, GB and B to an 8-bit raw frame, in place.
+ *
+ * @param camera      the camera whose curves are used.
+ * @param width       pixels per row; the last column of an odd width stays.
+ * @param height      rows; the last row of an odd height stays.
+ * @param color_array VEXA_COLOR_ARRAY_ code. A monochrome frame stays as it is; codes outside 1 to
+ * 5 are taken for VEXA_COLOR_ARRAY_RGGB.
+ * @param image       width * height bytes.
+ * @return 0 with 87 for a null image. Nothing is done while all four channels are off.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_RawColorGamma(HANDLE camera, DWORD width, DWORD height,
+                                           WORD color_array, BYTE* image);
+
+/**
+ * Applies the tone curve Y to an image, in place. In BGR images it moves the luminance
+ * 0.2989 R + 0.5866 G + 0.1145 B of each pixel and with it the three channels by the same number of
+ * levels, limited to 0..255: the hue stays.
+ *
+ * @param camera        the camera whose curve is used.
+ * @param width         pixels per row.
+ * @param height        rows.
+ * @param output_format VEXA_OUTPUT_MONO8, VEXA_OUTPUT_BGR24 or VEXA_OUTPUT_BGR32 (whose fourth byte
+ *                      stays).
+ * @param image         width * height pixels.
+ * @return 0 with 87 for another format and for a null image. While the channel is off nothing is
+ *         done, and any format succeeds.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_BGRGamma(HANDLE camera, DWORD width, DWORD height, DWORD output_format,
+                                      BYTE* image);
+
+/**
+ * Sets the camera object's colour matrix, which Vexa_HueSaturationColorMatrix() applies before hue
+ * and saturation.
+ *
+ * @param camera the camera.
+ * @param mode   VEXA_COLOR_MATRIX_OFF (the matrix becomes the identity) or VEXA_COLOR_MATRIX_USER.
+ * @param matrix 12 values in hundredths, read in mode VEXA_COLOR_MATRIX_USER only: for output red,
+ *               then green, then blue the factors of input red, green and blue (100 is 1.0) and an
+ *               offset (100 is one level).
+ * @return 0 for another mode, with the last error left as it is, and with 87 for a null matrix in
+ *         VEXA_COLOR_MATRIX_USER; nothing is changed then.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetColorMatrix(HANDLE camera, BYTE mode, const short* matrix);
+
+/** The colour matrix. @param camera the camera. @param[out] mode as set; may be null.
+ * @param[out] matrix 12 values, see Vexa_SetColorMatrix(); may be null. */
+VEXA_API BOOL VEXA_CALL Vexa_GetColorMatrix(HANDLE camera, BYTE* mode, short* matrix);
+
+/**
+ * Sets the camera object's turn of hues and scale of saturation. Luminance and greys stay.
+ *
+ * @param camera     the camera.
+ * @param mode       VEXA_HUE_SATURATION_OFF (stores hue 0 and saturation 100) or
+ *                   VEXA_HUE_SATURATION_ON.
+ * @param hue        tenths of a degree, -32768 to 32767.
+ * @param saturation hundredths: 0 makes grey, 100 changes nothing.
+ * @return 0 for another mode; nothing is changed, the last error neither.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetHueSaturationMode(HANDLE camera, BYTE mode, short hue,
+                                                  WORD saturation);
+
+/** Hue and saturation. @param camera the camera. @param[out] mode as set; each pointer may be null.
+ * @param[out] hue tenths of a degree. @param[out] saturation hundredths. */
+VEXA_API BOOL VEXA_CALL Vexa_GetHueSaturationMode(HANDLE camera, BYTE* mode, short* hue,
+                                                  WORD* saturation);
+
+/**
+ * Corrects the colours of a BGR image in place, by the product of the hue and saturation matrix and
+ * the colour matrix. Each of the nine products is truncated toward zero, that of red together with
+ * the offset; sums are limited to 0..255.
+ *
+ * @param camera        the camera whose matrices are used.
+ * @param width         pixels per row.
+ * @param height        rows.
+ * @param output_format VEXA_OUTPUT_BGR24 or VEXA_OUTPUT_BGR32 (whose fourth byte stays); with other
+ *                      formats nothing is done, successfully.
+ * @param image         width * height pixels.
+ * @return 0 with 87 for a null image. Nothing is done while both modes are off.
+ *
+ * Any thread may call it; changed settings wait until an image is finished.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_HueSaturationColorMatrix(HANDLE camera, DWORD width, DWORD height,
+                                                      DWORD output_format, BYTE* image);
 
 /**
  * Mirrors, turns or transposes an 8-bit frame, raw or monochrome, in its buffer, and brings its

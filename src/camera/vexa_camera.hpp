@@ -10,6 +10,8 @@
 #include "device/control_channel.hpp"
 #include "device/identity.hpp"
 #include "device/registers.hpp"
+#include "imaging/color_correction.hpp"
+#include "imaging/gamma.hpp"
 #include "imaging/sharpness.hpp"
 #include "output/easy_draw.hpp"
 #include "platform/driver.hpp"
@@ -75,6 +77,8 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   transfer::RawSnapshot& snapshot() { return snapshot_; }
   transfer::Notifier& notifier() { return notifier_; }
   transfer::TransferEngine& transfer() { return transfer_; }
+  imaging::Gamma& gamma() { return gamma_; }
+  imaging::ColorCorrection& color_correction() { return color_correction_; }
   imaging::Sharpness& sharpness() { return sharpness_; }
   /// The drawing object, made by the first call; throws std::bad_alloc. No lock: calls must not
   /// overlap.
@@ -110,6 +114,8 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   transfer::Notifier notifier_{this};
   transfer::TransferEngine transfer_;
   std::atomic<std::uint32_t> transfer_mode_ = 0;
+  imaging::Gamma gamma_;
+  imaging::ColorCorrection color_correction_;
   imaging::Sharpness sharpness_;
   std::unique_ptr<output::CEasyDraw> easy_draw_;
 };
