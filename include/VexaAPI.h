@@ -149,6 +149,27 @@ VEXA_API void SetLastError(DWORD code);
 #define VEXA_INTERP_CELL_CENTRED 5 /**< Bilinear at cell centres; half a pixel right and down. */
 /**@}*/
 
+/** @name Gamma channels and modes of Vexa_SetGammaModeEx() */
+/**@{*/
+#define VEXA_GAMMA_CHANNEL_Y 0    /**< 8-bit images, and the luminance of BGR images. */
+#define VEXA_GAMMA_CHANNEL_R 1    /**< Red samples of raw frames. */
+#define VEXA_GAMMA_CHANNEL_GR 2   /**< Green samples in rows with red. */
+#define VEXA_GAMMA_CHANNEL_GB 3   /**< Green samples in rows with blue. */
+#define VEXA_GAMMA_CHANNEL_B 4    /**< Blue samples. */
+#define VEXA_GAMMA_MODE_OFF 0     /**< Every level stays. */
+#define VEXA_GAMMA_MODE_CURVE 1   /**< A curve from gamma, brightness and contrast. */
+#define VEXA_GAMMA_MODE_REVERSE 2 /**< The curve read from its end: a negative. */
+#define VEXA_GAMMA_MODE_TABLE 255 /**< The caller's table. */
+/**@}*/
+
+/** @name Modes of Vexa_SetColorMatrix() and Vexa_SetHueSaturationMode() */
+/**@{*/
+#define VEXA_COLOR_MATRIX_OFF 0    /**< The identity. */
+#define VEXA_COLOR_MATRIX_USER 255 /**< The caller's matrix. */
+#define VEXA_HUE_SATURATION_OFF 0
+#define VEXA_HUE_SATURATION_ON 1
+/**@}*/
+
 /** @name Time-outs of Vexa_SetTimeOut() */
 /**@{*/
 #define VEXA_TIMEOUT_ST2EE 0 /**< Software trigger to the first transfer of the frame. */
@@ -189,8 +210,36 @@ VEXA_API void SetLastError(DWORD code);
 
 /** @name Mirror mode bits of Vexa_SetMirrorMode() */
 /**@{*/
-#define VEXA_MIRROR_HORIZONTAL 0x10
-#define VEXA_MIRROR_VERTICAL 0x20
+#define VEXA_CAMERA_MIRROR_HORIZONTAL 0x10
+#define VEXA_CAMERA_MIRROR_VERTICAL 0x20
+/**@}*/
+
+/** @name Operations of Vexa_MirrorRotation()
+ * Where pixel (x, y) of a frame of width W and height H goes. */
+/**@{*/
+#define VEXA_MIRROR_NONE 0             /**< Stays. */
+#define VEXA_MIRROR_HORIZONTAL 1       /**< (W - 1 - x, y) */
+#define VEXA_MIRROR_VERTICAL 2         /**< (x, H - 1 - y) */
+#define VEXA_ROTATE_180 3              /**< (W - 1 - x, H - 1 - y) */
+#define VEXA_ROTATE_CLOCKWISE 4        /**< (H - 1 - y, x); the frame becomes H x W. */
+#define VEXA_ROTATE_COUNTERCLOCKWISE 5 /**< (y, W - 1 - x); H x W. */
+#define VEXA_TRANSPOSE_ANTIDIAGONAL 6  /**< (H - 1 - y, W - 1 - x); H x W. */
+#define VEXA_TRANSPOSE 7               /**< (y, x); H x W. */
+/**@}*/
+
+/** @name Quarter turns after the mirrors of Vexa_MirrorRotation() */
+/**@{*/
+#define VEXA_ROTATION_NONE 0
+#define VEXA_ROTATION_CLOCKWISE 1
+#define VEXA_ROTATION_COUNTERCLOCKWISE 2
+/**@}*/
+
+/** @name White-balance modes of Vexa_SetWhiteBalanceMode() */
+/**@{*/
+#define VEXA_WHITE_BALANCE_OFF 0    /**< Frames stay as they are. */
+#define VEXA_WHITE_BALANCE_MANUAL 1 /**< The current gains. */
+#define VEXA_WHITE_BALANCE_AUTO 2   /**< Gains found anew on every frame. */
+#define VEXA_WHITE_BALANCE_ONCE 3   /**< Gains found on the next frame; then manual. */
 /**@}*/
 
 /**
@@ -435,13 +484,13 @@ VEXA_API BOOL VEXA_CALL Vexa_GetColorArray(HANDLE camera, WORD* color_array);
 /**
  * Sets the mirroring that the camera does itself.
  * @param camera the camera.
- * @param mode   VEXA_MIRROR_ bits; other bits are ignored. Horizontal needs function 22, vertical
- *               function 23, else 87. On a model with neither, a mode without both bits succeeds
- *               and sends nothing. The colour array follows also when the camera refuses.
+ * @param mode   VEXA_CAMERA_MIRROR_ bits; other bits are ignored. Horizontal needs function 22,
+ * vertical function 23, else 87. On a model with neither, a mode without both bits succeeds and
+ * sends nothing. The colour array follows also when the camera refuses.
  */
 VEXA_API BOOL VEXA_CALL Vexa_SetMirrorMode(HANDLE camera, BYTE mode);
-/** Reads the mirroring from the camera. @param camera the camera. @param[out] mode VEXA_MIRROR_
- * bits; 0 on failure and on a model without mirroring. */
+/** Reads the mirroring from the camera. @param camera the camera. @param[out] mode
+ * VEXA_CAMERA_MIRROR_ bits; 0 on failure and on a model without mirroring. */
 VEXA_API BOOL VEXA_CALL Vexa_GetMirrorMode(HANDLE camera, BYTE* mode);
 /**@}*/
 
@@ -563,6 +612,213 @@ VEXA_API BOOL VEXA_CALL Vexa_SetTransferBitsPerPixel(HANDLE camera, DWORD code);
 /** The transfer format, from the library's copy. @param camera the camera. @param[out] code a
  * VEXA_TRANSFER_ code. */
 VEXA_API BOOL VEXA_CALL Vexa_GetTransferBitsPerPixel(HANDLE camera, DWORD* code);
+/**@}*/
+
+/** @defgroup camera_functions Image functions of the camera
+ *
+ * Corrections that the camera's own electronics make on models that have them
+ * (Vexa_HasFunction()). The setters refuse what a model lacks with 87 and send nothing; the getters
+ * then give 0 with success. Only the low 16 bits of values and indexes count. What a value means
+ * beyond the ranges named here is the camera's. Mirroring stands with the identity functions,
+ * because the colour array depends on it. */
+/**@{*/
+
+/** Sets how binned pixels are put together. @param camera the camera; needs function 61. @param
+ * mode 0 or 1, else 87. */
+VEXA_API BOOL VEXA_CALL Vexa_SetBinningSumMode(HANDLE camera, DWORD mode);
+/** Reads the binning sum mode. @param camera the camera. @param[out] mode 0 on failure and on a
+ * model without it. */
+VEXA_API BOOL VEXA_CALL Vexa_GetBinningSumMode(HANDLE camera, WORD* mode);
+
+/** Sets the camera's gamma. @param camera the camera; needs function 57. @param value 0 to 63, else
+ * 87. */
+VEXA_API BOOL VEXA_CALL Vexa_SetCameraGammaValue(HANDLE camera, DWORD value);
+/** Reads the camera's gamma. @param camera the camera. @param[out] value 0 on failure and on a
+ * model without it. */
+VEXA_API BOOL VEXA_CALL Vexa_GetCameraGammaValue(HANDLE camera, WORD* value);
+
+/** Sets the digital clamp (black level). @param camera the camera; needs function 55. @param value
+ * 0 to 255, else 87. */
+VEXA_API BOOL VEXA_CALL Vexa_SetDigitalClamp(HANDLE camera, DWORD value);
+/** Reads the digital clamp. @param camera the camera. @param[out] value 0 on failure and on a model
+ * without it. */
+VEXA_API BOOL VEXA_CALL Vexa_GetDigitalClamp(HANDLE camera, WORD* value);
+
+/** Entries of the camera's defect pixel table. @param camera the camera. @param[out] count 64 on a
+ * model with function 59, else 0. */
+VEXA_API BOOL VEXA_CALL Vexa_GetEnableDefectPixelCorrectionCount(HANDLE camera, WORD* count);
+/** Sets the defect pixel correction mode. @param camera the camera; needs function 59. @param mode
+ * the camera's mode, low 16 bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetDefectPixelCorrectionMode(HANDLE camera, DWORD mode);
+/** Reads the defect pixel correction mode. @param camera the camera. @param[out] mode 0 on failure
+ * and on a model without it. */
+VEXA_API BOOL VEXA_CALL Vexa_GetDefectPixelCorrectionMode(HANDLE camera, WORD* mode);
+/**
+ * Sets an entry of the defect pixel table.
+ * @param camera the camera; needs function 59.
+ * @param index  entry, from 0; not below Vexa_GetEnableDefectPixelCorrectionCount() gives 87.
+ * @param x,y    column and row of the pixel in the frame, low 16 bits count; 0xFFFF and 0xFFFF mark
+ *               an unused entry.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetDefectPixelCorrectionPosition(HANDLE camera, DWORD index, DWORD x,
+                                                              DWORD y);
+/** Reads an entry of the defect pixel table. @param camera the camera. @param index as for the
+ * setter. @param[out] x column. @param[out] y row. Each pointer may be null; untouched on
+ * failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetDefectPixelCorrectionPosition(HANDLE camera, DWORD index, DWORD* x,
+                                                              DWORD* y);
+
+/**
+ * Sets the white-balance gains: of the camera itself on models with function 24, else those that
+ * Vexa_WhiteBalance() applies on the host. There a sample i becomes min(255, i * gain / 128).
+ *
+ * At Vexa_Open() the camera's default gains are in force on the host, and those in the camera's
+ * registers in the camera.
+ * @param camera     the camera.
+ * @param red        gain of red pixels; 128 is unity.
+ * @param green_red  gain of green pixels in red rows.
+ * @param green_blue gain of green pixels in blue rows.
+ * @param blue       gain of blue pixels.
+ *
+ * Frames are corrected with all four old gains or all four new ones; the call waits for a running
+ * Vexa_WhiteBalance().
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetWhiteBalanceGain(HANDLE camera, WORD red, WORD green_red,
+                                                 WORD green_blue, WORD blue);
+/** The white-balance gains; on models with function 24 read from the camera. @param camera the
+ * camera. @param[out] red,green_red,green_blue,blue as for the setter; 0 on failure. Each pointer
+ * may be null. */
+VEXA_API BOOL VEXA_CALL Vexa_GetWhiteBalanceGain(HANDLE camera, WORD* red, WORD* green_red,
+                                                 WORD* green_blue, WORD* blue);
+/**
+ * Sets the white-balance mode.
+ * @param camera the camera.
+ * @param mode   VEXA_WHITE_BALANCE_ code, low 8 bits count; not checked. On models with function 24
+ *               the camera interprets it, elsewhere Vexa_WhiteBalance(), for which codes above 3
+ *               are as VEXA_WHITE_BALANCE_MANUAL. On the host the mode is manual after Vexa_Open().
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetWhiteBalanceMode(HANDLE camera, DWORD mode);
+/** The white-balance mode; on models with function 24 read from the camera. @param camera the
+ * camera. @param[out] mode 0 on failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetWhiteBalanceMode(HANDLE camera, BYTE* mode);
+/**@}*/
+
+/** @defgroup gain Gain */
+/**@{*/
+
+/**
+ * Sets the analog gain: reads the camera's gain and exposure block, changes it and writes it back.
+ * @param camera the camera.
+ * @param gain   setting value, usually 0 to Vexa_GetMaxGain(). The library does not check it: a
+ *               value that the camera refuses fails with the driver's code, and nothing changes.
+ * The present gain of the level control (Vexa_ALC()) follows.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetGain(HANDLE camera, WORD gain);
+/** Reads the analog gain. @param camera the camera. @param[out] gain setting value; untouched on
+ * failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetGain(HANDLE camera, WORD* gain);
+/** The highest analog gain of the present scan settings, from the library's copy. @param camera the
+ * camera. @param[out] gain setting value. */
+VEXA_API BOOL VEXA_CALL Vexa_GetMaxGain(HANDLE camera, WORD* gain);
+
+/**
+ * Decibels of an analog gain.
+ *
+ * The curve is the model's. With function 49 and without 16 the amplification is linear in two
+ * segments: 20 * log10(a / 64) with a = 8 * (v + 8) below v = 21, else 28 * (v - 12). With function
+ * 16 and without 49: (v + 128) * 0.07038 + 2. All others: v * 0.132 - 2.36.
+ * @param camera       the camera; nothing is sent.
+ * @param value        setting value v, low 16 bits count; it may lie above Vexa_GetMaxGain().
+ * @param[out] decibel decibels.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetGainDBFromSettingValue(HANDLE camera, DWORD value, float* decibel);
+
+/** Sets the digital gain, a factor that the camera applies to its samples. @param camera the
+ * camera. @param gain in the camera's units; the camera checks it. */
+VEXA_API BOOL VEXA_CALL Vexa_SetDigitalGain(HANDLE camera, WORD gain);
+/** Reads the digital gain. @param camera the camera. @param[out] gain in the camera's units; 0 on
+ * failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetDigitalGain(HANDLE camera, WORD* gain);
+/**@}*/
+
+/** @defgroup level Automatic level control
+ *
+ * Keeps the brightness of the image at a target level, by exposure (AE) and analog gain (AGC)
+ * within limits. Two loops exist. The library's makes one step with every Vexa_ALC(); the camera's
+ * own runs by itself on models with function 25 (gain) or 26 (exposure). Mode, target and limits
+ * are for both: where the model has the function, the library also writes them to the camera's
+ * registers. Vexa_Open() and Vexa_CameraSetting() set mode 0, target 128, exposure 1 clock to one
+ * full frame and the whole gain range, then read target and limits from such a camera.
+ *
+ * No range is checked. An exposure of 0 clocks stands for one full frame
+ * (Vexa_GetMaxShortExposureClock()) also in the limits. Setters other than Vexa_SetALCMode() keep
+ * the value in the library also when writing it to the camera fails. Getters give the camera's
+ * value where the model has it; when reading it fails they fail and give the library's. Functions
+ * of this group may run on different threads. */
+/**@{*/
+
+/** @name Change report of Vexa_ALC() */
+/**@{*/
+#define VEXA_ALC_EXPOSURE_CHANGED 1u /**< The exposure has changed. */
+#define VEXA_ALC_GAIN_CHANGED 2u     /**< The gain has changed. */
+/**@}*/
+
+/**
+ * Sets the modes of both loops.
+ * @param camera the camera.
+ * @param mode   low 8 bits count. Bits 0-3, the library's loop: 0 off; 1 exposure and gain, the
+ * gain only where the exposure is at its maximum; 2 exposure; 3 gain; 4 to 6 as 1 to 3, but the
+ * mode becomes 0 with the first step that changes nothing; 7 to 15 as 3 without bringing the gain
+ * into its limits first. Bits 4-7, the camera's loop (its own modes). 87, nothing changes: both
+ * loops at once, or the camera's on a model without functions 25 and 26. The library's mode follows
+ * also when the camera fails to take its own.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetALCMode(HANDLE camera, DWORD mode);
+/** Reads the modes of both loops. @param camera the camera. @param[out] mode as Vexa_SetALCMode().
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetALCMode(HANDLE camera, BYTE* mode);
+/** Sets the target level. @param camera the camera. @param level brightness on the scale of the
+ * levels that Vexa_ALC() is given, low 16 bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetALCTargetLevel(HANDLE camera, DWORD level);
+/** Reads the target level. @param camera the camera. @param[out] level brightness. */
+VEXA_API BOOL VEXA_CALL Vexa_GetALCTargetLevel(HANDLE camera, WORD* level);
+/** Sets the upper limit of the gain. @param camera the camera. @param gain setting value, low 16
+ * bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetAGCMaxGain(HANDLE camera, DWORD gain);
+/** Reads the upper limit of the gain. @param camera the camera. @param[out] gain setting value. */
+VEXA_API BOOL VEXA_CALL Vexa_GetAGCMaxGain(HANDLE camera, WORD* gain);
+/** Sets the lower limit of the gain. @param camera the camera. @param gain setting value, low 16
+ * bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetAGCMinGain(HANDLE camera, DWORD gain);
+/** Reads the lower limit of the gain. @param camera the camera. @param[out] gain setting value. */
+VEXA_API BOOL VEXA_CALL Vexa_GetAGCMinGain(HANDLE camera, WORD* gain);
+/** Sets the upper limit of the exposure. @param camera the camera. @param exposure_clock clocks; 0
+ * means one full frame. */
+VEXA_API BOOL VEXA_CALL Vexa_SetAEMaxExposureClock(HANDLE camera, DWORD exposure_clock);
+/** Reads the upper limit of the exposure. @param camera the camera. @param[out] exposure_clock
+ * clocks. */
+VEXA_API BOOL VEXA_CALL Vexa_GetAEMaxExposureClock(HANDLE camera, DWORD* exposure_clock);
+/** Sets the lower limit of the exposure. @param camera the camera. @param exposure_clock clocks; 0
+ * means one full frame. */
+VEXA_API BOOL VEXA_CALL Vexa_SetAEMinExposureClock(HANDLE camera, DWORD exposure_clock);
+/** Reads the lower limit of the exposure. @param camera the camera. @param[out] exposure_clock
+ * clocks. */
+VEXA_API BOOL VEXA_CALL Vexa_GetAEMinExposureClock(HANDLE camera, DWORD* exposure_clock);
+
+/**
+ * One step of the library's loop: brings gain and exposure into their limits or, when they are
+ * there, closer to the target, and writes both to the camera in one request.
+ *
+ * Nothing changes while the level is within 5 of the target, or within 10 when the step before
+ * changed nothing. One step at most doubles the exposure, or amplifies the present gain's picture
+ * twofold. Best called with the level of a frame that was exposed after the step before.
+ * @param camera       the camera; in mode 0 nothing is sent.
+ * @param level        measured brightness of a frame, low 16 bits count.
+ * @param[out] changed VEXA_ALC_ bits; 0 when nothing changed. Also set when writing to the camera
+ *                     fails; the loop then goes on from the values that it tried to write.
+ * May be called from a callback.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ALC(HANDLE camera, DWORD level, DWORD* changed);
 /**@}*/
 
 /** @defgroup trigger Trigger and I/O */
@@ -807,6 +1063,320 @@ VEXA_API BOOL VEXA_CALL Vexa_GetProcessorIdleState(BOOL* ac_enabled, BOOL* dc_en
 VEXA_API BOOL VEXA_CALL Vexa_ColorInterpolation(DWORD width, DWORD height, WORD color_array,
                                                 const BYTE* source, BYTE* destination, BYTE method,
                                                 DWORD output_format);
+
+/**
+ * Reduces a raw or monochrome frame to 8 bits per pixel.
+ *
+ * @param width           pixels per row.
+ * @param height          rows.
+ * @param transfer_format VEXA_TRANSFER_ code of the frame. Samples of 10, 12, 14 and 16 bits lose
+ *                        their lowest 2, 4, 6 and 8 bits; of words with more significant bits than
+ *                        the format has, the low byte of what remains counts. Every other code,
+ *                        several bits at once too, is taken for 8 bits: a copy.
+ * @param source          width * height bytes or words.
+ * @param destination     width * height bytes; must not overlap the source.
+ * @return 0 with 87 for VEXA_TRANSFER_BGR24, _BGR30, _YUV411, _YUV422 and _YUV444, and for null
+ *         pointers.
+ *
+ * Starts no thread, keeps no state, allocates nothing.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ConvTo8BitsImage(DWORD width, DWORD height, DWORD transfer_format,
+                                              const BYTE* source, BYTE* destination);
+
+/**
+ * Turns a frame of any transfer format into an image, without interpolating colours.
+ *
+ * Raw and monochrome samples become 8 bits as in Vexa_ConvTo8BitsImage(), for BGR images in all
+ * three channels. VEXA_TRANSFER_BGR30 gives the high 8 bits of its fields. YUV groups hold, in this
+ * order, U Y0 Y1 V Y2 Y3 (4:1:1, four pixels), U Y0 V Y1 (4:2:2, two pixels) and U Y V (4:4:4, one
+ * pixel), U and V offset by 128; with u = U - 128 and v = V - 128
+ *   B = Y + 1.7718 u,  G = Y - 0.3441 u - 0.7139 v,  R = Y + 1.402 v
+ * (the full-range weights of ITU-R BT.601), each product truncated toward zero and each sum limited
+ * to 0..255.
+ *
+ * @param width           pixels per row; for the YUV formats a multiple of 4.
+ * @param height          rows.
+ * @param transfer_format VEXA_TRANSFER_ code of the frame. Every other code, several bits at once
+ *                        too, writes nothing and succeeds.
+ * @param source          the frame: rows top first, no padding.
+ * @param output_format   VEXA_OUTPUT_MONO8 (colour frames give their green or Y), VEXA_OUTPUT_BGR24
+ *                        or VEXA_OUTPUT_BGR32.
+ * @param destination     width * height pixels; must not overlap the source. The fourth byte of
+ *                        BGR32 keeps its value.
+ * @return 0 with 87 for an unknown output format, a YUV frame whose width is not a multiple of 4
+ *         (nothing is written: its rows would end inside a group), and for null pointers.
+ *
+ * Starts no thread, keeps no state, allocates nothing.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ConvYUVOrBGRToBGRImage(DWORD width, DWORD height,
+                                                    DWORD transfer_format, const BYTE* source,
+                                                    DWORD output_format, BYTE* destination);
+
+/**
+ * Sets one of the camera object's tone curves (the camera itself does not know of them). The curve
+ * is, with v = i + brightness and c = contrast up to 127, 0 for v <= c, 255 for v >= 255 - c, and
+ * between them
+ *   255 * ((v - c) / (255 - 2 c)) ^ (100 / gamma), rounded.
+ *
+ * @param camera     the camera.
+ * @param channel    VEXA_GAMMA_CHANNEL_ code.
+ * @param mode       VEXA_GAMMA_MODE_ code. Modes _OFF and _TABLE store gamma 100, brightness 0 and
+ *                   contrast 0 whatever is passed.
+ * @param gamma      hundredths, from 1; above 100 lifts the mid-tones.
+ * @param brightness levels, -32768 to 32767.
+ * @param contrast   levels cut off at each end; above 127 works as 127 and is read back as passed.
+ * @param table      256 bytes, read in mode VEXA_GAMMA_MODE_TABLE only.
+ * @return 0 with 87 for an unknown channel or mode, gamma 0 in the two curve modes, and a null
+ * table in VEXA_GAMMA_MODE_TABLE; the channel stays as it was.
+ *
+ * Any thread may call it; a frame that is being corrected meanwhile is finished first.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetGammaModeEx(HANDLE camera, BYTE channel, BYTE mode, WORD gamma,
+                                            short brightness, BYTE contrast, const BYTE* table);
+
+/**
+ * Reads a tone curve.
+ * @param camera          the camera.
+ * @param channel         VEXA_GAMMA_CHANNEL_ code; others give 87.
+ * @param[out] mode       as set, 0 at first. Each pointer may be null.
+ * @param[out] gamma      as stored, 100 at first.
+ * @param[out] brightness as stored.
+ * @param[out] contrast   as stored.
+ * @param[out] table      the 256 entries.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetGammaModeEx(HANDLE camera, BYTE channel, BYTE* mode, WORD* gamma,
+                                            short* brightness, BYTE* contrast, BYTE* table);
+
+/**
+ * Applies the tone curves R, GR, GB and B to an 8-bit raw frame, in place.
+ *
+ * @param camera      the camera whose curves are used.
+ * @param width       pixels per row; the last column of an odd width stays.
+ * @param height      rows; the last row of an odd height stays.
+ * @param color_array VEXA_COLOR_ARRAY_ code. A monochrome frame stays as it is; codes outside 1 to
+ * 5 are taken for VEXA_COLOR_ARRAY_RGGB.
+ * @param image       width * height bytes.
+ * @return 0 with 87 for a null image. Nothing is done while all four channels are off.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_RawColorGamma(HANDLE camera, DWORD width, DWORD height,
+                                           WORD color_array, BYTE* image);
+
+/**
+ * Applies the tone curve Y to an image, in place. In BGR images it moves the luminance
+ * 0.2989 R + 0.5866 G + 0.1145 B of each pixel and with it the three channels by the same number of
+ * levels, limited to 0..255: the hue stays.
+ *
+ * @param camera        the camera whose curve is used.
+ * @param width         pixels per row.
+ * @param height        rows.
+ * @param output_format VEXA_OUTPUT_MONO8, VEXA_OUTPUT_BGR24 or VEXA_OUTPUT_BGR32 (whose fourth byte
+ *                      stays).
+ * @param image         width * height pixels.
+ * @return 0 with 87 for another format and for a null image. While the channel is off nothing is
+ *         done, and any format succeeds.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_BGRGamma(HANDLE camera, DWORD width, DWORD height, DWORD output_format,
+                                      BYTE* image);
+
+/**
+ * Sets the camera object's colour matrix, which Vexa_HueSaturationColorMatrix() applies before hue
+ * and saturation.
+ *
+ * @param camera the camera.
+ * @param mode   VEXA_COLOR_MATRIX_OFF (the matrix becomes the identity) or VEXA_COLOR_MATRIX_USER.
+ * @param matrix 12 values in hundredths, read in mode VEXA_COLOR_MATRIX_USER only: for output red,
+ *               then green, then blue the factors of input red, green and blue (100 is 1.0) and an
+ *               offset (100 is one level).
+ * @return 0 for another mode, with the last error left as it is, and with 87 for a null matrix in
+ *         VEXA_COLOR_MATRIX_USER; nothing is changed then.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetColorMatrix(HANDLE camera, BYTE mode, const short* matrix);
+
+/** The colour matrix. @param camera the camera. @param[out] mode as set; may be null.
+ * @param[out] matrix 12 values, see Vexa_SetColorMatrix(); may be null. */
+VEXA_API BOOL VEXA_CALL Vexa_GetColorMatrix(HANDLE camera, BYTE* mode, short* matrix);
+
+/**
+ * Sets the camera object's turn of hues and scale of saturation. Luminance and greys stay.
+ *
+ * @param camera     the camera.
+ * @param mode       VEXA_HUE_SATURATION_OFF (stores hue 0 and saturation 100) or
+ *                   VEXA_HUE_SATURATION_ON.
+ * @param hue        tenths of a degree, -32768 to 32767.
+ * @param saturation hundredths: 0 makes grey, 100 changes nothing.
+ * @return 0 for another mode; nothing is changed, the last error neither.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetHueSaturationMode(HANDLE camera, BYTE mode, short hue,
+                                                  WORD saturation);
+
+/** Hue and saturation. @param camera the camera. @param[out] mode as set; each pointer may be null.
+ * @param[out] hue tenths of a degree. @param[out] saturation hundredths. */
+VEXA_API BOOL VEXA_CALL Vexa_GetHueSaturationMode(HANDLE camera, BYTE* mode, short* hue,
+                                                  WORD* saturation);
+
+/**
+ * Corrects the colours of a BGR image in place, by the product of the hue and saturation matrix and
+ * the colour matrix. Each of the nine products is truncated toward zero, that of red together with
+ * the offset; sums are limited to 0..255.
+ *
+ * @param camera        the camera whose matrices are used.
+ * @param width         pixels per row.
+ * @param height        rows.
+ * @param output_format VEXA_OUTPUT_BGR24 or VEXA_OUTPUT_BGR32 (whose fourth byte stays); with other
+ *                      formats nothing is done, successfully.
+ * @param image         width * height pixels.
+ * @return 0 with 87 for a null image. Nothing is done while both modes are off.
+ *
+ * Any thread may call it; changed settings wait until an image is finished.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_HueSaturationColorMatrix(HANDLE camera, DWORD width, DWORD height,
+                                                      DWORD output_format, BYTE* image);
+
+/**
+ * Mirrors, turns or transposes an 8-bit frame, raw or monochrome, in its buffer, and brings its
+ * size and colour array up to date, so that Vexa_ColorInterpolation() takes the right phase. The
+ * camera's own mirroring is Vexa_SetMirrorMode().
+ *
+ * @param operation   VEXA_MIRROR_, VEXA_ROTATE_ or VEXA_TRANSPOSE_ operation; 8 and above do
+ *                    nothing and succeed.
+ * @param rotation    VEXA_ROTATION_NONE leaves it at the operation. With a quarter turn only bits 0
+ *                    (horizontal mirror) and 1 (vertical mirror) of the operation count, also of 8
+ *                    and above: the mirrors come first, the turn after them.
+ * @param[in,out] width  pixels per row; the height after a quarter turn or transpose.
+ * @param[in,out] height rows; the width after a quarter turn or transpose.
+ * @param[in,out] color_array VEXA_COLOR_ARRAY_ code of the frame. What becomes of the four Bayer
+ *                    codes is exact for even sizes: an odd width or height moves the pixels in the
+ *                    same way, but shifts the pattern. Other codes stay.
+ * @param[in,out] frame  width * height bytes.
+ * @return 0 with 87 for rotation codes above 2, for null pointers and for a frame larger than the
+ *         address space; 0 with 8 when there is no memory for the copy of the frame that quarter
+ *         turns and transposes work from. Frame, size and colour array are then unchanged.
+ *
+ * Starts no thread, keeps no state.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_MirrorRotation(BYTE operation, BYTE rotation, DWORD* width,
+                                            DWORD* height, WORD* color_array, BYTE* frame);
+
+/**
+ * Sets the camera's sharpness settings, which Vexa_Sharpness() goes by from its next call on.
+ * @param camera the camera; nothing is sent to it.
+ * @param mode   0 off, every other value on.
+ * @param gain   hundredths: 100 moves a pixel as far again from its neighbours' mean.
+ * @param coring levels: pixels no farther from the mean than this stay.
+ * Waits while an image of this camera is being sharpened.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetSharpnessMode(HANDLE camera, BYTE mode, WORD gain, BYTE coring);
+/** The sharpness settings; 0, 0 and 0 until set. @param camera the camera. @param[out]
+ * mode,gain,coring as Vexa_SetSharpnessMode(); each may be null. */
+VEXA_API BOOL VEXA_CALL Vexa_GetSharpnessMode(HANDLE camera, BYTE* mode, WORD* gain, BYTE* coring);
+
+/**
+ * Sharpens an image in its buffer by the camera's sharpness settings.
+ *
+ * A pixel farther than `coring` levels from the mean m of its eight neighbours in the unsharpened
+ * image (their sum plus 4, divided by 8) moves away from m by gain / 100 for each level beyond
+ * `coring`, rounded, and stays in 0 to 255. In colour images luminance decides (0.2989 R + 0.5866 G
+ * + 0.1145 B, the red and the blue part each rounded, green what remains of a grey pixel's level),
+ * and blue, green and red move by the same step.
+ * @param camera        the camera.
+ * @param width         pixels per row.
+ * @param height        rows. The outermost rows and columns do not change; an image below 3 x 3
+ *                      does not change at all, with success.
+ * @param output_format VEXA_OUTPUT_MONO8, VEXA_OUTPUT_BGR24 or VEXA_OUTPUT_BGR32 (whose fourth byte
+ *                      stays).
+ * @param[in,out] image width * height pixels.
+ * @return 1, without looking at the other arguments, while the mode is 0. 0 with 87 for another
+ *         format, for a null pointer and for an image larger than the address space; 0 with 8 when
+ *         there is no memory for 8 bytes per column. The image is then unchanged.
+ *
+ * Calls with one camera run one after the other. Starts no thread.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_Sharpness(HANDLE camera, DWORD width, DWORD height,
+                                       DWORD output_format, BYTE* image);
+/**@}*/
+
+/** @defgroup measuring Measurements on raw frames */
+/**@{*/
+
+/**
+ * Mean values of a part of a raw frame, for each position of the 2 x 2 filter pattern.
+ *
+ * @param width,height    of the frame, pixels and rows.
+ * @param color_array     VEXA_COLOR_ARRAY_ code.
+ * @param transfer_format VEXA_TRANSFER_8BIT: bytes; _10BIT to _16BIT: 16-bit words. The codes with
+ *                        _B and the colour formats are not taken.
+ * @param frame           width * height samples.
+ * @param x,y             first column and row of the part.
+ * @param region_width,region_height of the part, cut at the frame's edges.
+ * @param[out] average    four values in the samples' own units: the mean of the pixels at even
+ *                        columns of even rows, odd columns of even rows, even columns of odd rows,
+ *                        odd columns of odd rows, counted from the frame's first pixel wherever the
+ *                        part begins. 0 where the part has no such pixel. Of a monochrome frame the
+ *                        mean of all pixels and three times 0.
+ *
+ * Which colours these are:
+ *
+ *     color_array   RGGB, MONO   GRBG   GBRG   BGGR
+ *     red           0            1      2      3
+ *     green         1, 2         0, 3   3, 0   2, 1
+ *     blue          3            2      1      0
+ *
+ * @return 0 with 87 for another colour array or transfer format and for null pointers; the output
+ *         is untouched then. Sums are exact for frames of any size.
+ *
+ * Starts no thread, keeps no state, allocates nothing.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetAveragePixelValue(DWORD width, DWORD height, WORD color_array,
+                                                  DWORD transfer_format, const BYTE* frame, DWORD x,
+                                                  DWORD y, DWORD region_width, DWORD region_height,
+                                                  float* average);
+
+/**
+ * White balance on the host, for models without function 24. On those with it, and on monochrome
+ * cameras, the call succeeds and does nothing.
+ *
+ * @param camera the camera.
+ * @param frame  an 8-bit raw frame of the size (Vexa_GetScanMode()) and colour array
+ *               (Vexa_GetColorArray()) that the camera has now; corrected in place.
+ *
+ * In the modes VEXA_WHITE_BALANCE_AUTO and _ONCE the gains of red and blue are first found anew
+ * (the green ones stay), after which _ONCE becomes _MANUAL. The frame's whole 2 x 2 cells count.
+ * With T the mean of the two green positions' means and m the colour's mean, the gain is 128 * T /
+ * m, truncated, at most 65535, or 128 when all samples of the colour are 0. Saturated samples keep
+ * the mean of the corrected colour below T; up to 639 the gain is therefore raised, in steps of 1,
+ * until that mean reaches T. A mean T of 0 gives the gain 0.
+ *
+ * In every mode but VEXA_WHITE_BALANCE_OFF the frame's whole cells are then corrected with the four
+ * gains (Vexa_SetWhiteBalanceGain()); with all of them at 128 nothing is done.
+ *
+ * @return 1; the last error becomes 87 when gains were to be found and the camera's colour array is
+ *         none of the five codes. The gains then stay, and the frame is corrected with them. 0 with
+ *         87 for an invalid handle or a null frame.
+ *
+ * Calls for one camera run one after the other; gains that another thread sets come into force
+ * between frames. Starts no thread, allocates nothing.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_WhiteBalance(HANDLE camera, BYTE* frame);
+
+/**
+ * Finds the brightest pixels of a dark frame and loads their positions into the camera's defect
+ * pixel table, replacing all entries; those without a pixel become 0xFFFF, 0xFFFF. The correction
+ * takes place when Vexa_SetDefectPixelCorrectionMode() has switched it on.
+ *
+ * @param camera       the camera; without function 59 87 and nothing is sent.
+ * @param width,height of the frame, pixels and rows.
+ * @param frame        width * height bytes, taken in the dark and uncorrected.
+ * @param threshold    the least level of a defect pixel, low 16 bits count; above 255 none is
+ * found.
+ *
+ * When more pixels are bright enough than the table has entries, the brightest are taken, among
+ * equally bright ones the first from the top and, in a row, from the left.
+ *
+ * @return the result of the command by which the camera takes the table over. It is sent even when
+ *         an entry could not be written; the rest of the table is then as it was.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_DetectDefectPixel(HANDLE camera, DWORD width, DWORD height,
+                                               const BYTE* frame, DWORD threshold);
 /**@}*/
 
 /** @defgroup drawing Drawing */

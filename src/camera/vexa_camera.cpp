@@ -31,11 +31,17 @@ CVexaCamera::CVexaCamera()
 CVexaCamera::~CVexaCamera() = default;
 
 Status CVexaCamera::Open(platform::Driver& driver) {
-  const Status status = device::OpenFirstFreeCamera(driver, channel_, identity_);
+  Status status = device::OpenFirstFreeCamera(driver, channel_, identity_);
   if (!status.ok()) {
     return status;
   }
   transfer_.set_max_transfer_size(device::ReadMaxTransferSize());
+  status = white_balance_.SetUp();
+  if (!status.ok()) {
+    return status;
+  }
+  // Reloading repeats this when the timing is known, and reports a failure.
+  static_cast<void>(level_control_.Reset());
   return ReloadSettings();
 }
 
@@ -46,6 +52,12 @@ Status CVexaCamera::ReloadSettings() {
   }
   if (status.ok()) {
     status = transfer_format_.Refresh();
+  }
+  if (status.ok()) {
+    status = level_control_.Reset();
+  }
+  if (status.ok()) {
+    status = level_control_.LoadCameraParameters();
   }
   return status;
 }
@@ -60,6 +72,22 @@ Status CVexaCamera::SendCameraSetting(std::uint16_t command) {
   return status.ok() ? ReloadSettings() : status;
 }
 
+Status CVexaCamera::SetGain(std::uint16_t gain) {
+  const Status status = exposure_.SetGain(gain);
+  if (status.ok()) {
+    level_control_.NoteGain(gain);
+  }
+  return status;
+}
+
+Status CVexaCamera::SetExposureClock(std::uint32_t exposure_clock) {
+  const Status status = exposure_.SetExposureClock(exposure_clock);
+  if (status.ok()) {
+    level_control_.NoteExposureClock(exposure_clock);
+  }
+  return status;
+}
+
 output::CEasyDraw& CVexaCamera::easy_draw() {
   if (easy_draw_ == nullptr) {
     easy_draw_ = std::make_unique<output::CEasyDraw>();
@@ -67,12 +95,12 @@ output::CEasyDraw& CVexaCamera::easy_draw() {
   return *easy_draw_;
 }
 
-bool CVexaCamera::SetGainAndExposureClock(std::uint16_t gain, std::uint32_t exposure_clock) {
-  return exposure_.SetGainAndExposureClock(gain, exposure_clock).ok();
+Status CVexaCamera::SetGainAndExposureClock(std::uint16_t gain, std::uint32_t exposure_clock) {
+  return exposure_.SetGainAndExposureClock(gain, exposure_clock);
 }
 
-bool CVexaCamera::GetGainAndExposureClock(std::uint16_t* gain, std::uint32_t* exposure_clock) {
-  return exposure_.GetGainAndExposureClock(gain, exposure_clock).ok();
+Status CVexaCamera::GetGainAndExposureClock(std::uint16_t* gain, std::uint32_t* exposure_clock) {
+  return exposure_.GetGainAndExposureClock(gain, exposure_clock);
 }
 
 std::uint16_t CVexaCamera::GetMaxGain() { return timing_.Settings().max_gain(); }

@@ -19,7 +19,7 @@ constexpr std::size_t kPaletteSize = 4 * kPaletteEntries;
 
 /// Sizes of a bitmap in bytes.
 struct BmpLayout {
-  std::size_t pixel_size = 0;  // 0: the format has no bitmap
+  std::size_t pixel_size = 0;  // 0: no format
   std::uint64_t row_size = 0;  // padded
   std::uint64_t data_offset = 0;
   std::uint64_t file_size = 0;
@@ -27,28 +27,14 @@ struct BmpLayout {
 
 BmpLayout LayOut(const Image& image) {
   BmpLayout layout;
-  switch (image.format) {
-    case PixelFormat::kMono8:
-      layout.pixel_size = 1;
-      break;
-    case PixelFormat::kBgr24:
-      layout.pixel_size = 3;
-      break;
-    case PixelFormat::kBgr32:
-      layout.pixel_size = 4;
-      break;
-    default:
-      return layout;
+  layout.pixel_size = BytesPerPixel(image.format);
+  if (layout.pixel_size == 0) {
+    return layout;
   }
   layout.row_size = (layout.pixel_size * std::uint64_t{image.width} + 3) / 4 * 4;
   layout.data_offset = kHeaderSize + (layout.pixel_size == 1 ? kPaletteSize : 0);
   layout.file_size = layout.data_offset + layout.row_size * image.height;
   return layout;
-}
-
-bool Is16Bit(PixelFormat format) {
-  return format == PixelFormat::kMono16 || format == PixelFormat::kMono10 ||
-         format == PixelFormat::kMono12 || format == PixelFormat::kMono14;
 }
 
 void FillHeader(const Image& image, const BmpLayout& layout, std::span<std::uint8_t> header) {
@@ -92,10 +78,10 @@ std::vector<std::uint8_t> MakeBmp(const Image& image, const BmpLayout& layout) {
 }  // namespace
 
 Status CheckBmp(const Image& image) {
-  if (Is16Bit(image.format)) {
-    return error::kInvalidParameter;
-  }
   const BmpLayout layout = LayOut(image);
+  if (layout.pixel_size == 2) {
+    return error::kInvalidParameter;  // a bitmap has no pixels of one 16-bit sample
+  }
   if (layout.pixel_size == 0) {
     return {};
   }

@@ -10,16 +10,34 @@
 
 namespace vexa::output {
 
-/// Pixel format codes of images to save, with their bytes per pixel in the comments.
+/// Pixel format codes of images to save.
 enum class PixelFormat : std::uint32_t {
-  kMono8 = 1,    // 1
-  kMono16 = 2,   // 2
-  kBgr24 = 4,    // 3
-  kBgr32 = 8,    // 4
-  kMono10 = 16,  // 2
-  kMono12 = 32,  // 2
-  kMono14 = 64,  // 2
+  kMono8 = 1,
+  kMono16 = 2,
+  kBgr24 = 4,
+  kBgr32 = 8,
+  kMono10 = 16,  // 10, 12, 14: samples in the low bits of 16-bit words
+  kMono12 = 32,
+  kMono14 = 64,
 };
+
+/// Bytes per pixel; 0 for a value that is none of the codes.
+constexpr std::uint32_t BytesPerPixel(PixelFormat format) {
+  switch (format) {
+    case PixelFormat::kMono8:
+      return 1;
+    case PixelFormat::kMono16:
+    case PixelFormat::kMono10:
+    case PixelFormat::kMono12:
+    case PixelFormat::kMono14:
+      return 2;
+    case PixelFormat::kBgr24:
+      return 3;
+    case PixelFormat::kBgr32:
+      return 4;
+  }
+  return 0;
+}
 
 /// An image in the application's buffer: rows top first, no padding.
 struct Image {

@@ -9,17 +9,10 @@
 namespace vexa::output {
 namespace {
 
+/// Bytes of one sample each; 0: the format has words as samples, or is none.
 std::int32_t Channels(PixelFormat format) {
-  switch (format) {
-    case PixelFormat::kMono8:
-      return 1;
-    case PixelFormat::kBgr24:
-      return 3;
-    case PixelFormat::kBgr32:
-      return 4;
-    default:
-      return 0;
-  }
+  const std::uint32_t bytes = BytesPerPixel(format);
+  return bytes == 2 ? 0 : static_cast<std::int32_t>(bytes);
 }
 
 bool IsSide(std::uint32_t side) { return side >= 1 && side <= kLongestJpegSide; }

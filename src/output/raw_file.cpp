@@ -4,27 +4,10 @@
 #include <cstdint>
 
 namespace vexa::output {
-namespace {
-
-std::size_t BytesPerPixel(PixelFormat format) {
-  switch (format) {
-    case PixelFormat::kMono8:
-      return 1;
-    case PixelFormat::kMono16:
-      return 2;
-    case PixelFormat::kBgr24:
-      return 3;
-    case PixelFormat::kBgr32:
-      return 4;
-    default:
-      return 0;
-  }
-}
-
-}  // namespace
-
 Status CheckRaw(const Image& image) {
-  const std::size_t pixel_size = BytesPerPixel(image.format);
+  // The codes behind kBgr32 say where a word's sample stands, which a file without header cannot.
+  const std::uint32_t pixel_size =
+      image.format <= PixelFormat::kBgr32 ? BytesPerPixel(image.format) : 0;
   const std::uint64_t pixels = std::uint64_t{image.width} * image.height;
   if (pixel_size == 0 || pixels > PTRDIFF_MAX / pixel_size ||
       (image.pixels == nullptr && pixels != 0)) {
@@ -34,7 +17,7 @@ Status CheckRaw(const Image& image) {
 }
 
 Status WriteRaw(const Image& image, std::FILE* file) {
-  const std::size_t row_size = image.width * BytesPerPixel(image.format);
+  const std::size_t row_size = std::size_t{image.width} * BytesPerPixel(image.format);
   std::fwrite(image.pixels, 1, row_size * image.height, file);
   return {};
 }

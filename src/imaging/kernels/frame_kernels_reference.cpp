@@ -1,0 +1,67 @@
+#include <algorithm>
+
+#include "imaging/kernels/frame_kernels.hpp"
+#include "imaging/luma.hpp"
+
+namespace vexa::imaging {
+namespace {
+
+void Reverse(Sample* samples, std::size_t n) { std::reverse(samples, samples + n); }
+
+void Exchange(Sample* a, Sample* b, std::size_t n) { std::swap_ranges(a, a + n, b); }
+
+void Transpose(const Sample* in, std::ptrdiff_t in_stride, Sample* out, std::ptrdiff_t out_stride,
+               std::size_t columns, std::size_t rows) {
+  for (std::size_t y = 0; y < rows; ++y) {
+    const Sample* row = in + static_cast<std::ptrdiff_t>(y) * in_stride;
+    for (std::size_t x = 0; x < columns; ++x) {
+      out[static_cast<std::ptrdiff_t>(x) * out_stride + static_cast<std::ptrdiff_t>(y)] = row[x];
+    }
+  }
+}
+
+void RowSums(const Sample* row, std::uint16_t* sums, std::size_t n) {
+  for (std::size_t i = 0; i < n; ++i) {
+    sums[i] = static_cast<std::uint16_t>(row[i] + row[i + 1] + row[i + 2]);
+  }
+}
+
+template <std::size_t kStep>
+void LumaOfPixels(const Sample* pixels, Sample* luma, std::size_t n) {
+  for (std::size_t i = 0; i < n; ++i) {
+    const Sample* pixel = pixels + i * kStep;
+    luma[i] = static_cast<Sample>(Luma(pixel[0], pixel[1], pixel[2]));
+  }
+}
+
+template <std::size_t kStep>
+void Sharpen(const Neighbourhood& at, Sample* pixels, std::size_t n) {
+  constexpr std::size_t kChannels = kStep == 1 ? 1 : 3;
+  for (std::size_t i = 0; i < n; ++i) {
+    const int level = at.luma[i];
+    const int neighbours = at.sums[0][i] + at.sums[1][i] + at.sums[2][i] - level;
+    const int distance = level - (neighbours + 4) / 8;
+    const int step = distance < 0 ? -at.boost[-distance] : at.boost[distance];
+    for (std::size_t channel = 0; channel < kChannels; ++channel) {
+      Sample& value = pixels[i * kStep + channel];
+      value = static_cast<Sample>(std::clamp(value + step, 0, 255));
+    }
+  }
+}
+
+}  // namespace
+
+constinit const FrameKernels kReferenceFrameKernels = {
+    .name = "reference",
+    .reverse = Reverse,
+    .exchange = Exchange,
+    .transpose = Transpose,
+    .row_sums = RowSums,
+    .luma_bgr24 = LumaOfPixels<3>,
+    .luma_bgr32 = LumaOfPixels<4>,
+    .sharpen_mono = Sharpen<1>,
+    .sharpen_bgr24 = Sharpen<3>,
+    .sharpen_bgr32 = Sharpen<4>,
+};
+
+}  // namespace vexa::imaging
