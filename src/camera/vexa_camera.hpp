@@ -10,6 +10,7 @@
 #include "device/control_channel.hpp"
 #include "device/identity.hpp"
 #include "device/registers.hpp"
+#include "imaging/noise_reduction.hpp"
 #include "imaging/sharpness.hpp"
 #include "output/easy_draw.hpp"
 #include "platform/driver.hpp"
@@ -62,6 +63,9 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   transfer::Notifier& notifier() { return notifier_; }
   transfer::TransferEngine& transfer() { return transfer_; }
   imaging::Sharpness& sharpness() { return sharpness_; }
+  /// The noise reduction, made by the first call; throws std::bad_alloc. No lock: calls must not
+  /// overlap.
+  imaging::CNoiseReduction& noise_reduction();
   /// The drawing object, made by the first call; throws std::bad_alloc. No lock: calls must not
   /// overlap.
   output::CEasyDraw& easy_draw();
@@ -93,6 +97,7 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   transfer::TransferEngine transfer_;
   std::atomic<std::uint32_t> transfer_mode_ = 0;
   imaging::Sharpness sharpness_;
+  std::unique_ptr<imaging::CNoiseReduction> noise_reduction_;
   std::unique_ptr<output::CEasyDraw> easy_draw_;
 };
 
