@@ -227,6 +227,14 @@ VEXA_API void SetLastError(DWORD code);
 #define VEXA_TRANSPOSE 7               /**< (y, x); H x W. */
 /**@}*/
 
+/** @name Modes of Vexa_NoiseReduction() */
+/**@{*/
+#define VEXA_NOISE_REDUCTION_OFF 0u        /**< Nothing happens. */
+#define VEXA_NOISE_REDUCTION_IMPULSE 1u    /**< Bright impulses are taken down. */
+#define VEXA_NOISE_REDUCTION_DARK_FRAME 2u /**< The stored dark frame is subtracted. */
+#define VEXA_NOISE_REDUCTION_STORE_DARK_FRAME 0x80000000u /**< The frame is stored as such. */
+/**@}*/
+
 /** @name Quarter turns after the mirrors of Vexa_MirrorRotation() */
 /**@{*/
 #define VEXA_ROTATION_NONE 0
@@ -1293,6 +1301,46 @@ VEXA_API BOOL VEXA_CALL Vexa_GetSharpnessMode(HANDLE camera, BYTE* mode, WORD* g
  */
 VEXA_API BOOL VEXA_CALL Vexa_Sharpness(HANDLE camera, DWORD width, DWORD height,
                                        DWORD output_format, BYTE* image);
+
+/**
+ * Reduces the noise of an 8-bit raw frame in its buffer.
+ *
+ * VEXA_NOISE_REDUCTION_IMPULSE, for VEXA_COLOR_ARRAY_MONO, _RGGB and _BGGR: every sample becomes
+ * the smaller of itself and the median of itself and its neighbours in the frame as it came. Those
+ * are the four diagonal ones for monochrome and green samples, for red and blue ones the four of
+ * the same colour at distance 2 in row and column; what lies outside the frame is left out. On the
+ * border of a monochrome frame they are the ones to the left, right, above and below that there
+ * are. The median of an even number is the mean of the middle two, rounded down.
+ *
+ * VEXA_NOISE_REDUCTION_STORE_DARK_FRAME, for any colour array: keeps a copy of a frame taken in the
+ * dark until the next one is stored or the camera is closed. From every sample the smallest one in
+ * the same place of the 2 x 2 cells is taken away, so that what a pixel has more than the darkest
+ * one of its colour remains. An odd last column or row does not count for the smallest ones, and
+ * its samples stay at 0 or above; a frame without a complete cell is kept as it is.
+ *
+ * VEXA_NOISE_REDUCTION_DARK_FRAME: subtracts the stored frame (results below 0 become 0), then, for
+ * VEXA_COLOR_ARRAY_MONO and _RGGB, repairs samples of 253 and more that have fallen below: such a
+ * sample becomes the larger of itself and the median of itself and its four neighbours, chosen as
+ * for impulses, in the frame as it is by then. Rows follow each other from the top, samples from
+ * the left. A border of 1 (monochrome) or 2 (RGGB) is not repaired.
+ *
+ * @param camera      the camera, whose dark frame is used; nothing is sent to it.
+ * @param mode        VEXA_NOISE_REDUCTION_ mode.
+ * @param width       pixels per row.
+ * @param height      rows; frames of one column or row are fine.
+ * @param color_array VEXA_COLOR_ARRAY_ code, low 16 bits count.
+ * @param[in,out] frame width * height bytes; unchanged when stored as the dark frame.
+ * @return 0 with 87 for other modes and colour arrays than those above, when the stored dark frame
+ *         has another size or colour array or there is none, for a null pointer, and for a frame
+ *         larger than the address space; 0 with 8 when there is no memory for three rows or, to
+ *         store one, for the dark frame (then none is stored any more). The frame is then
+ *         unchanged, with one exception: colour arrays that cannot be repaired give 87 although
+ *         the dark frame has been subtracted.
+ *
+ * Calls with the same camera handle must not overlap. Starts no thread.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_NoiseReduction(HANDLE camera, DWORD mode, DWORD width, DWORD height,
+                                            DWORD color_array, BYTE* frame);
 /**@}*/
 
 /** @defgroup measuring Measurements on raw frames */

@@ -12,6 +12,7 @@
 #include "device/registers.hpp"
 #include "imaging/color_correction.hpp"
 #include "imaging/gamma.hpp"
+#include "imaging/noise_reduction.hpp"
 #include "imaging/sharpness.hpp"
 #include "output/easy_draw.hpp"
 #include "platform/driver.hpp"
@@ -80,6 +81,9 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   imaging::Gamma& gamma() { return gamma_; }
   imaging::ColorCorrection& color_correction() { return color_correction_; }
   imaging::Sharpness& sharpness() { return sharpness_; }
+  /// The noise reduction, made by the first call; throws std::bad_alloc. No lock: calls must not
+  /// overlap.
+  imaging::CNoiseReduction& noise_reduction();
   /// The drawing object, made by the first call; throws std::bad_alloc. No lock: calls must not
   /// overlap.
   output::CEasyDraw& easy_draw();
@@ -117,6 +121,7 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   imaging::Gamma gamma_;
   imaging::ColorCorrection color_correction_;
   imaging::Sharpness sharpness_;
+  std::unique_ptr<imaging::CNoiseReduction> noise_reduction_;
   std::unique_ptr<output::CEasyDraw> easy_draw_;
 };
 

@@ -55,6 +55,10 @@ struct Avx2 {
   static Vector AndNot(Vector mask, Vector v) { return _mm256_andnot_si256(mask, v); }
   static Vector Equal(Vector a, Vector b) { return _mm256_cmpeq_epi8(a, b); }
   static bool AllZero(Vector v) { return _mm256_testz_si256(v, v) != 0; }
+  static Vector Min(Vector a, Vector b) { return _mm256_min_epu8(a, b); }
+  static Vector Max(Vector a, Vector b) { return _mm256_max_epu8(a, b); }
+  /// One bit for each sample, its highest.
+  static unsigned HighBits(Vector v) { return static_cast<unsigned>(_mm256_movemask_epi8(v)); }
   static Vector AddClamped(Vector a, Vector b) { return _mm256_adds_epu8(a, b); }
   static Vector SubClamped(Vector a, Vector b) { return _mm256_subs_epu8(a, b); }
   static Vector AddWords(Vector a, Vector b) { return _mm256_add_epi16(a, b); }

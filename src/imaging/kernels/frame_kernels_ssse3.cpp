@@ -23,7 +23,6 @@ struct Ssse3 : Sse2 {
   static void StorePair(Sample* low, Sample*, Vector v) { Store(low, v); }
   static Vector LoadTwice(const Sample* in) { return Load(in); }
   static Vector Shuffle(Vector v, Vector order) { return _mm_shuffle_epi8(v, order); }
-  static Vector Bytes(std::uint8_t byte) { return _mm_set1_epi8(static_cast<char>(byte)); }
   static Vector Xor(Vector a, Vector b) { return _mm_xor_si128(a, b); }
   static bool AllZero(Vector v) { return _mm_movemask_epi8(Equal(v, Zero())) == 0xFFFF; }
   static Vector MultiplyHighRounded(Vector a, Vector b) { return _mm_mulhrs_epi16(a, b); }
