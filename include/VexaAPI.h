@@ -502,6 +502,86 @@ VEXA_API BOOL VEXA_CALL Vexa_SetMirrorMode(HANDLE camera, BYTE mode);
 VEXA_API BOOL VEXA_CALL Vexa_GetMirrorMode(HANDLE camera, BYTE* mode);
 /**@}*/
 
+/** @defgroup memory Camera memory and user ID
+ *
+ * Memory travels in requests of up to 4096 bytes. A request that fails ends the call with its code;
+ * what came before it has taken place. A request of which the driver reports 0 bytes fails with 31
+ * (ERROR_GEN_FAILURE). The user memory and the user ID stay in the camera when it is switched off.
+ */
+/**@{*/
+
+/**
+ * Reads the camera's RAM, whose meaning is the camera's.
+ * @param camera           the camera.
+ * @param first            first address. Below 0x4000, and for 0xE600 alone, another request is
+ *                         used than above.
+ * @param last             last address; below `first` reads nothing and succeeds. So do the
+ *                         addresses 0 to 0xFFFF together, since lengths have 16 bits.
+ * @param[out] buffer      last - first + 1 bytes.
+ * @param[out] transferred bytes read; untouched on failure; may be null.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ReadRAM(HANDLE camera, WORD first, WORD last, BYTE* buffer,
+                                     DWORD* transferred);
+/** Writes the camera's RAM. @param camera,first,last as Vexa_ReadRAM(). @param buffer
+ * last - first + 1 bytes. @param[out] transferred bytes written; untouched on failure; may be null.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_WriteRAM(HANDLE camera, WORD first, WORD last, BYTE* buffer,
+                                      DWORD* transferred);
+
+/** Reads from the 1024 bytes that the camera keeps for the application. @param camera the camera.
+ * @param[out] buffer `length` bytes. @param offset first byte. @param length bytes;
+ * offset + length above 1024 gives 87. */
+VEXA_API BOOL VEXA_CALL Vexa_ReadUserMemory(HANDLE camera, BYTE* buffer, WORD offset, WORD length);
+/** Writes to the 1024 bytes that the camera keeps for the application. @param camera the camera.
+ * @param buffer `length` bytes. @param offset first byte. @param length bytes; offset + length
+ * above 1024 gives 87. */
+VEXA_API BOOL VEXA_CALL Vexa_WriteUserMemory(HANDLE camera, BYTE* buffer, WORD offset, WORD length);
+
+/**
+ * Reads the camera's user ID: a number and a text.
+ * @param camera       the camera.
+ * @param[out] user_id the number; untouched when the camera does not answer; may be null.
+ * @param[out] buffer  receives the text, UTF-16, with zeros up to the buffer's end. A text that was
+ *                     written as UTF-16 and is too long is cut to leave a terminating zero. One
+ *                     that was written in the ANSI code page is converted, with malformed bytes
+ *                     replaced. No text, or a record that makes no sense, gives zeros.
+ * @param size         size of the buffer in bytes; of a half character nothing is used. 0 reads the
+ *                     number alone. A converted text that leaves no room for a zero character
+ *                     behind it, the one that was stored with it included, gives 122
+ *                     (ERROR_INSUFFICIENT_BUFFER): 502 bytes hold every text.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ReadCameraUserIDW(HANDLE camera, DWORD* user_id, WCHAR* buffer,
+                                               DWORD size);
+/**
+ * Reads the camera's user ID with its text in the ANSI code page (UTF-8 where there are no code
+ * pages).
+ * @param camera       the camera.
+ * @param[out] user_id as Vexa_ReadCameraUserIDW().
+ * @param[out] buffer  as Vexa_ReadCameraUserIDW(), with the forms exchanged.
+ * @param size         size of the buffer in bytes. A converted text that does not fit gives 122;
+ * one that was stored without a zero and fills the buffer has none. 376 bytes hold every text and a
+ * zero.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ReadCameraUserIDA(HANDLE camera, DWORD* user_id, CHAR* buffer,
+                                               DWORD size);
+/**
+ * Writes the camera's user ID.
+ * @param camera  the camera.
+ * @param user_id any number.
+ * @param text    UTF-16; may be null for no text.
+ * @param size    size of the text's buffer in bytes; of a half character nothing is used. The text
+ *                ends at its first zero character, which is stored with it, or with the buffer. Of
+ *                more than 250 bytes the first 248 are stored.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_WriteCameraUserIDW(HANDLE camera, DWORD user_id, const WCHAR* text,
+                                                DWORD size);
+/** Writes the camera's user ID with a text in the ANSI code page (UTF-8 where there are no code
+ * pages). @param camera,user_id,size as Vexa_WriteCameraUserIDW(). @param text stored as it is; of
+ * more than 250 bytes the first 249. */
+VEXA_API BOOL VEXA_CALL Vexa_WriteCameraUserIDA(HANDLE camera, DWORD user_id, const CHAR* text,
+                                                DWORD size);
+/**@}*/
+
 /** @defgroup timing Timing and geometry */
 /**@{*/
 

@@ -65,6 +65,20 @@ struct ConvertOptions {
   bool overwrite = false;
 };
 
+struct LevelOptions {
+  StreamOptions stream;
+  std::uint32_t mode = 1; /**< As Vexa_SetALCMode(), 1 to 6. */
+  std::uint32_t target = 128;
+  std::optional<std::uint16_t> gain; /**< To start with; setting value, as the limits. */
+  std::optional<std::uint16_t> min_gain;
+  std::optional<std::uint16_t> max_gain;
+  std::optional<double> min_exposure_ms;
+  std::optional<double> max_exposure_ms;
+  std::uint32_t max_steps = 50;
+  std::uint32_t skip = 3; /**< Frames to leave out after a change. */
+  bool json = false;
+};
+
 struct StatsOptions {
   StreamOptions stream;
   double seconds = 10;
@@ -78,8 +92,8 @@ struct Answer {
   std::string error;  /**< For the standard error. */
 };
 
-using ParsedArguments =
-    std::variant<Answer, ListOptions, InfoOptions, CaptureOptions, ConvertOptions, StatsOptions>;
+using ParsedArguments = std::variant<Answer, ListOptions, InfoOptions, CaptureOptions,
+                                     ConvertOptions, LevelOptions, StatsOptions>;
 
 /** Reads the command line.
  *  @param arguments without the program's name, UTF-8.

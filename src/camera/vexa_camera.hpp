@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "VexaAPI.h"
+#include "device/camera_memory.hpp"
 #include "device/control_channel.hpp"
 #include "device/identity.hpp"
 #include "device/registers.hpp"
@@ -65,6 +66,7 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   device::ControlChannel& channel() { return channel_; }
   const device::CameraIdentity& identity() const { return identity_; }
   device::Registers& registers() { return registers_; }
+  device::CameraMemory& memory() { return memory_; }
   settings::SensorTiming& timing() { return timing_; }
   settings::ExposureControl& exposure() { return exposure_; }
   settings::TransferFormat& transfer_format() { return transfer_format_; }
@@ -104,6 +106,7 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   device::ControlChannel channel_;
   device::CameraIdentity identity_;
   device::Registers registers_{channel_, identity_};
+  device::CameraMemory memory_{channel_, identity_};
   settings::SensorTiming timing_{channel_, registers_, identity_};
   settings::ExposureControl exposure_{channel_, registers_, identity_, timing_};
   settings::TransferFormat transfer_format_{channel_, identity_};

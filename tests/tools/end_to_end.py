@@ -248,6 +248,24 @@ class WithCameras(EndToEnd):
         self.assertNotRegex(run.stderr, r"[\r\x1b]", "no control characters outside a terminal")
         self.assertNotIn("frames/s", vexa("stats", "-s", 1.5, "--quiet").stderr)
 
+    def test_level_settles_from_dark_and_bright(self):
+        for mode, settings, column in ((2, ["--exposure-ms", "0.5"], "exposure"),
+                                       (1, ["--gain", 200, "--max-exposure-ms", 2], "gain")):
+            run = vexa("level", "--mode", mode, "--timeout", WAIT, "--target", 110, "--json",
+                       *settings)
+            self.expect(run, 0)
+            report = json.loads(run.stdout)
+            first, last = report["steps"][0], report["steps"][-1]
+            self.assertTrue(report["settled"])
+            self.assertAlmostEqual(last["level"], 110, delta=10)
+            self.assertGreater(abs(first["level"] - 110), 30)
+            self.assertTrue(all(step[f"{column}_changed"] for step in report["steps"][1:-1]))
+            self.assertFalse(last["exposure_changed"] or last["gain_changed"])
+        self.assertAlmostEqual(last["exposure_ms"], 2, places=3)
+        self.expect(vexa("level", "--exposure-ms", "0.5"), 0, "changed", "settled after")
+        self.expect(vexa("level", "--mode", 5, "--max-exposure-ms", "0.1"), 4, "has not settled", "limits")
+        self.expect(vexa("level", "--gain", 999), 1, "31 (", "0 to 255")
+
     def test_a_terminal_gets_one_changing_line(self):
         import pty  # not on Windows
         terminal, program_side = pty.openpty()
