@@ -26,6 +26,7 @@ constexpr const char* kMainFooter = R"(Examples:
   vexa capture --format 12bit --output deep.raw
   vexa convert deep.raw deep.tif --width 1280 --height 964 --format 12bit
   vexa level --target 100
+  vexa calibrate --output calibrate-%d.bmp
   vexa stats --seconds 30
 
 Exit codes:
@@ -84,6 +85,25 @@ A change takes effect some frames later: --skip leaves that many out.
 Examples:
   vexa level --target 100
   vexa level --mode 2 --exposure-ms 0.05 --max-exposure-ms 40)";
+
+constexpr const char* kCalibrateFooter =
+    R"(White balance: finds the gains under which the means of red, green and blue agree;
+point the camera at something grey. A camera with white balance of its own keeps
+them in its registers, for all others the host applies them: pass them to
+Vexa_SetWhiteBalanceGain().
+
+Defect pixels: takes a dark frame, loads the camera's table with the pixels that
+reach the threshold, and switches the correction on (mode 1). Cover the lens, or
+rely on the exposure of the dark frame, which is the shortest if not given.
+
+Without --white-balance and --defects both are done as far as the camera has them.
+The first picture is without corrections, the second with what was found. File
+names and methods are those of "vexa capture".
+
+Examples:
+  vexa calibrate
+  vexa calibrate --camera 2 --white-balance --output balance-%d.bmp
+  vexa calibrate --defects --threshold 40 --dark-exposure-ms 20)";
 
 constexpr const char* kStatsFooter = R"(Measured:
   frames/s, MB/s   from the first frame to the last; 1 MB is 10^6 bytes of image
@@ -266,6 +286,26 @@ void AddLevel(CLI::App& app, LevelOptions& options) {
   app.footer(kLevelFooter);
 }
 
+void AddCalibrate(CLI::App& app, CalibrateOptions& options) {
+  AddStreamOptions(app, options.stream);
+  app.add_flag("--white-balance", options.white_balance, "Find the white balance");
+  app.add_flag("--defects", options.defects, "Find the defect pixels");
+  app.add_option("--threshold", options.threshold,
+                 "Least level of a defect pixel in the dark (default 64)")
+      ->type_name("L")
+      ->check(CLI::Range(1u, 255u).description(""));
+  app.add_option("--dark-exposure-ms", options.dark_exposure_ms,
+                 "Exposure time of the dark frame in milliseconds")
+      ->type_name("X")
+      ->check(NumberIn(1e-6, 3.6e6).description(""));
+  app.add_option("-o,--output", options.output, "File names (default calibrate-%d.bmp)")
+      ->type_name("PATTERN");
+  AddMethodOption(app, options);
+  app.add_flag("--overwrite", options.overwrite, "Replace files that exist");
+  app.add_flag("--json", options.json, "Print JSON");
+  app.footer(kCalibrateFooter);
+}
+
 void AddStats(CLI::App& app, StatsOptions& options) {
   AddStreamOptions(app, options.stream);
   app.add_option("-s,--seconds", options.seconds, "How long to stream (default 10)")
@@ -284,8 +324,7 @@ std::string UsageText(const CLI::App* app, const CLI::Error& error) {
   }
   const std::vector<std::string> rest = app->remaining();
   return "vexa: " + (rest.empty() ? "" : "\"" + rest.front() + "\" is not understood: ") +
-         "a command is required\n  It is list, info, capture, convert, level or stats; \"vexa "
-         "--help\" explains them.\n";
+         "a command is required\n  \"vexa --help\" lists and explains them.\n";
 }
 
 Answer AnswerOf(const CLI::App& app, const CLI::Error& error) {
@@ -311,6 +350,7 @@ ParsedArguments ParseArguments(const std::vector<std::string>& arguments,
   CaptureOptions capture;
   ConvertOptions convert;
   LevelOptions level;
+  CalibrateOptions calibrate;
   StatsOptions stats;
   CLI::App* list_command = app.add_subcommand("list", "List the cameras that are free");
   list_command->add_flag("--json", list.json, "Print JSON");
@@ -325,6 +365,9 @@ ParsedArguments ParseArguments(const std::vector<std::string>& arguments,
   CLI::App* level_command =
       app.add_subcommand("level", "Adjust exposure and gain to a brightness, step by step");
   AddLevel(*level_command, level);
+  CLI::App* calibrate_command =
+      app.add_subcommand("calibrate", "Find white balance and defect pixels");
+  AddCalibrate(*calibrate_command, calibrate);
   AddStats(*app.add_subcommand("stats", "Measure the transfer of frames"), stats);
 
   try {
@@ -346,6 +389,9 @@ ParsedArguments ParseArguments(const std::vector<std::string>& arguments,
   }
   if (level_command->parsed()) {
     return level;
+  }
+  if (calibrate_command->parsed()) {
+    return calibrate;
   }
   return stats;
 }

@@ -79,6 +79,18 @@ struct LevelOptions {
   bool json = false;
 };
 
+struct CalibrateOptions {
+  StreamOptions stream;
+  bool white_balance = false; /**< Without this and the next: both, where the model has them. */
+  bool defects = false;
+  std::uint32_t threshold = 64;            /**< Least level of a defect pixel in a dark frame. */
+  std::optional<double> dark_exposure_ms;  /**< Of the dark frame; the shortest if not given. */
+  std::string output = "calibrate-%d.bmp"; /**< 1 is before, 2 after. */
+  std::optional<std::uint8_t> method;      /**< VEXA_INTERP_ code. */
+  bool overwrite = false;
+  bool json = false;
+};
+
 struct StatsOptions {
   StreamOptions stream;
   double seconds = 10;
@@ -93,7 +105,7 @@ struct Answer {
 };
 
 using ParsedArguments = std::variant<Answer, ListOptions, InfoOptions, CaptureOptions,
-                                     ConvertOptions, LevelOptions, StatsOptions>;
+                                     ConvertOptions, LevelOptions, CalibrateOptions, StatsOptions>;
 
 /** Reads the command line.
  *  @param arguments without the program's name, UTF-8.

@@ -166,9 +166,9 @@ class WithCameras(EndToEnd):
     def test_list_and_info_agree(self):
         table = vexa("list")
         self.expect(table, 0, "index", "RGGB", "mono")
-        self.assertEqual(len(table.stdout.splitlines()), 3, "a heading and two cameras")
+        self.assertEqual(len(table.stdout.splitlines()), 5, "a heading and four cameras")
         cameras = json.loads(vexa("list", "--json").stdout)
-        self.assertEqual([camera["index"] for camera in cameras], [0, 1])
+        self.assertEqual([camera["index"] for camera in cameras], [0, 1, 2, 3])
         for camera in cameras:
             run = vexa("info", "--camera", camera["index"], "--json")
             self.expect(run, 0)
@@ -231,6 +231,33 @@ class WithCameras(EndToEnd):
         samples = struct.unpack_from(f"<{640 * 480}H", tiff, 162)
         self.assertEqual(len(tiff), 162 + 2 * 640 * 480)
         self.assertFalse(any(sample & 0xF for sample in samples), "12 bits at the top of 16")
+
+    def test_calibrate_balances_white_and_hides_defects(self):
+        # Without and with white balance in the camera, under the same lamp.
+        for camera, own in ((2, False), (3, True)):
+            run = vexa("calibrate", "-c", camera, "--json", "-o", f"c{camera}-%d.bmp",
+                       "--timeout", WAIT, folder=self.folder)
+            self.expect(run, 0)
+            report = json.loads(run.stdout)
+            balance, defects = report["white_balance"], report["defect_pixels"]
+            self.assertEqual(balance["in_camera"], own)
+            self.assertLess(balance["gains"]["red"], 100)
+            self.assertGreater(balance["gains"]["blue"], 200)
+            levels = balance["mean_after"].values()
+            self.assertLess(max(levels) - min(levels), 2)
+            before, after = (read_bmp(self.folder / f"c{camera}-{i}.bmp") for i in (1, 2))
+            width, height, pixel = before
+            grey = (width // 20, height - height // 5)  # the wall between the chart and the ramps
+            red, _, blue = pixel(*grey)
+            self.assertGreater(red, 2 * blue)
+            red, _, blue = after[2](*grey)
+            self.assertLess(abs(red - blue), 20)
+            self.assertEqual(defects["count"], 3)
+            for place in defects["positions"]:
+                x, y = place["x"], place["y"]
+                self.assertGreater(max(pixel(x, y)), 200, place)
+                around = max(max(after[2](x + dx, y)) for dx in (-3, 3))
+                self.assertLess(max(after[2](x, y)), around + 40, place)
 
     def test_stats_measures(self):
         for seconds in (2, 10, 60):  # sanitizers on a busy machine take long for a frame
@@ -314,7 +341,13 @@ class WithCameras(EndToEnd):
             (1, ["capture", "-o", "no/folder/a.bmp"], ["Vexa_SaveImageW", "110 (", "folder"]),
             (1, ["capture", "-o", "full.raw", "--overwrite"], ["incomplete", "space"]),
             (1, ["capture", "-o", "full.tif", "--overwrite"], ["incomplete", "space"]),
-            (3, ["info", "--camera", 9], ["index 9", "2 free", "259 ("]),
+            (2, ["calibrate", "-c", 1, "--white-balance"], ["monochrome"]),
+            (2, ["calibrate", "--format", "12bit"], ["8 bits"]),
+            (2, ["calibrate", "-o", taken.parent / "taken.bmp", "--defects", "--threshold", 0],
+             ["--threshold"]),
+            (1, ["calibrate", "--dark-exposure-ms", 20, "--timeout", WAIT],
+             ["dark frame", "table stays", "--threshold"]),
+            (3, ["info", "--camera", 9], ["index 9", "4 free", "259 ("]),
         ]
         for code, arguments, says in cases:
             with self.subTest(arguments=arguments):

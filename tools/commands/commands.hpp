@@ -22,6 +22,9 @@ ExitCode RunConvert(const ConvertOptions& options);
 /** Streams until the automatic level control has settled, and prints its steps. */
 ExitCode RunLevel(const LevelOptions& options);
 
+/** Finds white balance and defect pixels. */
+ExitCode RunCalibrate(const CalibrateOptions& options);
+
 /** Streams and prints measurements. */
 ExitCode RunStats(const StatsOptions& options);
 
