@@ -227,6 +227,14 @@ VEXA_API void SetLastError(DWORD code);
 #define VEXA_TRANSPOSE 7               /**< (y, x); H x W. */
 /**@}*/
 
+/** @name Modes of Vexa_NoiseReduction() */
+/**@{*/
+#define VEXA_NOISE_REDUCTION_OFF 0u        /**< Nothing happens. */
+#define VEXA_NOISE_REDUCTION_IMPULSE 1u    /**< Bright impulses are taken down. */
+#define VEXA_NOISE_REDUCTION_DARK_FRAME 2u /**< The stored dark frame is subtracted. */
+#define VEXA_NOISE_REDUCTION_STORE_DARK_FRAME 0x80000000u /**< The frame is stored as such. */
+/**@}*/
+
 /** @name Quarter turns after the mirrors of Vexa_MirrorRotation() */
 /**@{*/
 #define VEXA_ROTATION_NONE 0
@@ -492,6 +500,86 @@ VEXA_API BOOL VEXA_CALL Vexa_SetMirrorMode(HANDLE camera, BYTE mode);
 /** Reads the mirroring from the camera. @param camera the camera. @param[out] mode
  * VEXA_CAMERA_MIRROR_ bits; 0 on failure and on a model without mirroring. */
 VEXA_API BOOL VEXA_CALL Vexa_GetMirrorMode(HANDLE camera, BYTE* mode);
+/**@}*/
+
+/** @defgroup memory Camera memory and user ID
+ *
+ * Memory travels in requests of up to 4096 bytes. A request that fails ends the call with its code;
+ * what came before it has taken place. A request of which the driver reports 0 bytes fails with 31
+ * (ERROR_GEN_FAILURE). The user memory and the user ID stay in the camera when it is switched off.
+ */
+/**@{*/
+
+/**
+ * Reads the camera's RAM, whose meaning is the camera's.
+ * @param camera           the camera.
+ * @param first            first address. Below 0x4000, and for 0xE600 alone, another request is
+ *                         used than above.
+ * @param last             last address; below `first` reads nothing and succeeds. So do the
+ *                         addresses 0 to 0xFFFF together, since lengths have 16 bits.
+ * @param[out] buffer      last - first + 1 bytes.
+ * @param[out] transferred bytes read; untouched on failure; may be null.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ReadRAM(HANDLE camera, WORD first, WORD last, BYTE* buffer,
+                                     DWORD* transferred);
+/** Writes the camera's RAM. @param camera,first,last as Vexa_ReadRAM(). @param buffer
+ * last - first + 1 bytes. @param[out] transferred bytes written; untouched on failure; may be null.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_WriteRAM(HANDLE camera, WORD first, WORD last, BYTE* buffer,
+                                      DWORD* transferred);
+
+/** Reads from the 1024 bytes that the camera keeps for the application. @param camera the camera.
+ * @param[out] buffer `length` bytes. @param offset first byte. @param length bytes;
+ * offset + length above 1024 gives 87. */
+VEXA_API BOOL VEXA_CALL Vexa_ReadUserMemory(HANDLE camera, BYTE* buffer, WORD offset, WORD length);
+/** Writes to the 1024 bytes that the camera keeps for the application. @param camera the camera.
+ * @param buffer `length` bytes. @param offset first byte. @param length bytes; offset + length
+ * above 1024 gives 87. */
+VEXA_API BOOL VEXA_CALL Vexa_WriteUserMemory(HANDLE camera, BYTE* buffer, WORD offset, WORD length);
+
+/**
+ * Reads the camera's user ID: a number and a text.
+ * @param camera       the camera.
+ * @param[out] user_id the number; untouched when the camera does not answer; may be null.
+ * @param[out] buffer  receives the text, UTF-16, with zeros up to the buffer's end. A text that was
+ *                     written as UTF-16 and is too long is cut to leave a terminating zero. One
+ *                     that was written in the ANSI code page is converted, with malformed bytes
+ *                     replaced. No text, or a record that makes no sense, gives zeros.
+ * @param size         size of the buffer in bytes; of a half character nothing is used. 0 reads the
+ *                     number alone. A converted text that leaves no room for a zero character
+ *                     behind it, the one that was stored with it included, gives 122
+ *                     (ERROR_INSUFFICIENT_BUFFER): 502 bytes hold every text.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ReadCameraUserIDW(HANDLE camera, DWORD* user_id, WCHAR* buffer,
+                                               DWORD size);
+/**
+ * Reads the camera's user ID with its text in the ANSI code page (UTF-8 where there are no code
+ * pages).
+ * @param camera       the camera.
+ * @param[out] user_id as Vexa_ReadCameraUserIDW().
+ * @param[out] buffer  as Vexa_ReadCameraUserIDW(), with the forms exchanged.
+ * @param size         size of the buffer in bytes. A converted text that does not fit gives 122;
+ * one that was stored without a zero and fills the buffer has none. 376 bytes hold every text and a
+ * zero.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ReadCameraUserIDA(HANDLE camera, DWORD* user_id, CHAR* buffer,
+                                               DWORD size);
+/**
+ * Writes the camera's user ID.
+ * @param camera  the camera.
+ * @param user_id any number.
+ * @param text    UTF-16; may be null for no text.
+ * @param size    size of the text's buffer in bytes; of a half character nothing is used. The text
+ *                ends at its first zero character, which is stored with it, or with the buffer. Of
+ *                more than 250 bytes the first 248 are stored.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_WriteCameraUserIDW(HANDLE camera, DWORD user_id, const WCHAR* text,
+                                                DWORD size);
+/** Writes the camera's user ID with a text in the ANSI code page (UTF-8 where there are no code
+ * pages). @param camera,user_id,size as Vexa_WriteCameraUserIDW(). @param text stored as it is; of
+ * more than 250 bytes the first 249. */
+VEXA_API BOOL VEXA_CALL Vexa_WriteCameraUserIDA(HANDLE camera, DWORD user_id, const CHAR* text,
+                                                DWORD size);
 /**@}*/
 
 /** @defgroup timing Timing and geometry */
@@ -1293,6 +1381,46 @@ VEXA_API BOOL VEXA_CALL Vexa_GetSharpnessMode(HANDLE camera, BYTE* mode, WORD* g
  */
 VEXA_API BOOL VEXA_CALL Vexa_Sharpness(HANDLE camera, DWORD width, DWORD height,
                                        DWORD output_format, BYTE* image);
+
+/**
+ * Reduces the noise of an 8-bit raw frame in its buffer.
+ *
+ * VEXA_NOISE_REDUCTION_IMPULSE, for VEXA_COLOR_ARRAY_MONO, _RGGB and _BGGR: every sample becomes
+ * the smaller of itself and the median of itself and its neighbours in the frame as it came. Those
+ * are the four diagonal ones for monochrome and green samples, for red and blue ones the four of
+ * the same colour at distance 2 in row and column; what lies outside the frame is left out. On the
+ * border of a monochrome frame they are the ones to the left, right, above and below that there
+ * are. The median of an even number is the mean of the middle two, rounded down.
+ *
+ * VEXA_NOISE_REDUCTION_STORE_DARK_FRAME, for any colour array: keeps a copy of a frame taken in the
+ * dark until the next one is stored or the camera is closed. From every sample the smallest one in
+ * the same place of the 2 x 2 cells is taken away, so that what a pixel has more than the darkest
+ * one of its colour remains. An odd last column or row does not count for the smallest ones, and
+ * its samples stay at 0 or above; a frame without a complete cell is kept as it is.
+ *
+ * VEXA_NOISE_REDUCTION_DARK_FRAME: subtracts the stored frame (results below 0 become 0), then, for
+ * VEXA_COLOR_ARRAY_MONO and _RGGB, repairs samples of 253 and more that have fallen below: such a
+ * sample becomes the larger of itself and the median of itself and its four neighbours, chosen as
+ * for impulses, in the frame as it is by then. Rows follow each other from the top, samples from
+ * the left. A border of 1 (monochrome) or 2 (RGGB) is not repaired.
+ *
+ * @param camera      the camera, whose dark frame is used; nothing is sent to it.
+ * @param mode        VEXA_NOISE_REDUCTION_ mode.
+ * @param width       pixels per row.
+ * @param height      rows; frames of one column or row are fine.
+ * @param color_array VEXA_COLOR_ARRAY_ code, low 16 bits count.
+ * @param[in,out] frame width * height bytes; unchanged when stored as the dark frame.
+ * @return 0 with 87 for other modes and colour arrays than those above, when the stored dark frame
+ *         has another size or colour array or there is none, for a null pointer, and for a frame
+ *         larger than the address space; 0 with 8 when there is no memory for three rows or, to
+ *         store one, for the dark frame (then none is stored any more). The frame is then
+ *         unchanged, with one exception: colour arrays that cannot be repaired give 87 although
+ *         the dark frame has been subtracted.
+ *
+ * Calls with the same camera handle must not overlap. Starts no thread.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_NoiseReduction(HANDLE camera, DWORD mode, DWORD width, DWORD height,
+                                            DWORD color_array, BYTE* frame);
 /**@}*/
 
 /** @defgroup measuring Measurements on raw frames */

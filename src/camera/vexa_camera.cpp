@@ -95,6 +95,13 @@ output::CEasyDraw& CVexaCamera::easy_draw() {
   return *easy_draw_;
 }
 
+imaging::CNoiseReduction& CVexaCamera::noise_reduction() {
+  if (noise_reduction_ == nullptr) {
+    noise_reduction_ = std::make_unique<imaging::CNoiseReduction>();
+  }
+  return *noise_reduction_;
+}
+
 Status CVexaCamera::SetGainAndExposureClock(std::uint16_t gain, std::uint32_t exposure_clock) {
   return exposure_.SetGainAndExposureClock(gain, exposure_clock);
 }

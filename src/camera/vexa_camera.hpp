@@ -7,11 +7,13 @@
 #include <memory>
 
 #include "VexaAPI.h"
+#include "device/camera_memory.hpp"
 #include "device/control_channel.hpp"
 #include "device/identity.hpp"
 #include "device/registers.hpp"
 #include "imaging/color_correction.hpp"
 #include "imaging/gamma.hpp"
+#include "imaging/noise_reduction.hpp"
 #include "imaging/sharpness.hpp"
 #include "output/easy_draw.hpp"
 #include "platform/driver.hpp"
@@ -64,6 +66,7 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   device::ControlChannel& channel() { return channel_; }
   const device::CameraIdentity& identity() const { return identity_; }
   device::Registers& registers() { return registers_; }
+  device::CameraMemory& memory() { return memory_; }
   settings::SensorTiming& timing() { return timing_; }
   settings::ExposureControl& exposure() { return exposure_; }
   settings::TransferFormat& transfer_format() { return transfer_format_; }
@@ -80,6 +83,9 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   imaging::Gamma& gamma() { return gamma_; }
   imaging::ColorCorrection& color_correction() { return color_correction_; }
   imaging::Sharpness& sharpness() { return sharpness_; }
+  /// The noise reduction, made by the first call; throws std::bad_alloc. No lock: calls must not
+  /// overlap.
+  imaging::CNoiseReduction& noise_reduction();
   /// The drawing object, made by the first call; throws std::bad_alloc. No lock: calls must not
   /// overlap.
   output::CEasyDraw& easy_draw();
@@ -100,6 +106,7 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   device::ControlChannel channel_;
   device::CameraIdentity identity_;
   device::Registers registers_{channel_, identity_};
+  device::CameraMemory memory_{channel_, identity_};
   settings::SensorTiming timing_{channel_, registers_, identity_};
   settings::ExposureControl exposure_{channel_, registers_, identity_, timing_};
   settings::TransferFormat transfer_format_{channel_, identity_};
@@ -117,6 +124,7 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   imaging::Gamma gamma_;
   imaging::ColorCorrection color_correction_;
   imaging::Sharpness sharpness_;
+  std::unique_ptr<imaging::CNoiseReduction> noise_reduction_;
   std::unique_ptr<output::CEasyDraw> easy_draw_;
 };
 

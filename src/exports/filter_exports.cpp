@@ -31,3 +31,13 @@ BOOL VEXA_CALL Vexa_Sharpness(HANDLE camera, DWORD width, DWORD height, DWORD ou
     return self.sharpness().Apply(width, height, output_format, image);
   });
 }
+
+BOOL VEXA_CALL Vexa_NoiseReduction(HANDLE camera, DWORD mode, DWORD width, DWORD height,
+                                   DWORD color_array, BYTE* frame) {
+  return CallCamera(camera, [&](CVexaCamera& self) {
+    return self.noise_reduction().Apply(mode, {.width = width,
+                                               .height = height,
+                                               .color_array = static_cast<WORD>(color_array),
+                                               .samples = frame});
+  });
+}

@@ -50,6 +50,7 @@ inline constexpr Status kWaitTimeout{258};            // WAIT_TIMEOUT
 inline constexpr Status kNoMoreItems{259};            // ERROR_NO_MORE_ITEMS
 inline constexpr Status kOperationAborted{995};       // ERROR_OPERATION_ABORTED
 inline constexpr Status kIoPending{997};              // ERROR_IO_PENDING
+inline constexpr Status kInvalidFlags{1004};          // ERROR_INVALID_FLAGS
 inline constexpr Status kPossibleDeadlock{1131};      // ERROR_POSSIBLE_DEADLOCK
 inline constexpr Status kNoUnicodeTranslation{1113};  // ERROR_NO_UNICODE_TRANSLATION
 inline constexpr Status kDeviceNotConnected{1167};    // ERROR_DEVICE_NOT_CONNECTED

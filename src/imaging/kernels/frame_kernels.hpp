@@ -1,6 +1,6 @@
 /// \file
-/// The inner loops of the operations that change a frame in place: mirrors, rotations and
-/// sharpening.
+/// The inner loops of the operations that change a frame in place: mirrors, rotations,
+/// sharpening and noise reduction.
 #pragma once
 
 #include <cstddef>
@@ -18,6 +18,9 @@ struct Neighbourhood {
   const Sample* luma;   ///< of the pixels themselves
   const Sample* boost;  ///< 256 entries: how far a pixel moves for its distance from the mean
 };
+
+/// Samples from this level on count as saturated.
+inline constexpr Sample kSaturated = 253;
 
 /// One version of every inner loop. Counts may be 0; buffers do not overlap and no alignment is
 /// assumed, except where more is said.
@@ -48,6 +51,25 @@ struct FrameKernels {
   void (*sharpen_mono)(const Neighbourhood& neighbourhood, Sample* pixels, std::size_t n);
   void (*sharpen_bgr24)(const Neighbourhood& neighbourhood, Sample* pixels, std::size_t n);
   void (*sharpen_bgr32)(const Neighbourhood& neighbourhood, Sample* pixels, std::size_t n);
+
+  /// Takes down what stands out: out[i] = min(p, median of p and its four neighbours), which is the
+  /// smaller of p and the second largest neighbour. rows[2] is the row itself, rows[0] to rows[4]
+  /// those from two above to two below. The neighbours are the four diagonal ones; rows[1] and
+  /// rows[3] are readable from -1 to n, rows[0] and rows[4] are not read.
+  void (*limit_mono)(const Sample* const* rows, Sample* out, std::size_t n);
+
+  /// The same in a Bayer frame: diagonal neighbours for green sites, those at distance 2 in the row
+  /// and column for others. Sites take turns; `green_first` when the first is green. All rows are
+  /// readable from -2 to n + 1.
+  void (*limit_bayer)(const Sample* const* rows, bool green_first, Sample* out, std::size_t n);
+
+  /// before[i] = samples[i], then samples[i] = max(0, samples[i] - dark[i]). Returns whether a
+  /// sample was saturated.
+  bool (*subtract)(const Sample* dark, Sample* samples, Sample* before, std::size_t n);
+
+  /// The first i from `from` on with before[i] >= 253 and after[i] < 253; n if there is none.
+  std::size_t (*find_desaturated)(const Sample* before, const Sample* after, std::size_t from,
+                                  std::size_t n);
 };
 
 /// Plain C++, on every processor.
@@ -57,8 +79,8 @@ extern const FrameKernels kReferenceFrameKernels;
 /// The baseline of x86 builds.
 extern const FrameKernels kSse2FrameKernels;
 
-/// Only for processors with SSSE3.
-extern const FrameKernels kSsse3FrameKernels;
+/// Only for processors with SSE4.1.
+extern const FrameKernels kSse41FrameKernels;
 #endif
 
 // For the reason why a build goes without these see dispatch.hpp.

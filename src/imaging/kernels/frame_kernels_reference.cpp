@@ -49,6 +49,50 @@ void Sharpen(const Neighbourhood& at, Sample* pixels, std::size_t n) {
   }
 }
 
+Sample Limited(Sample p, Sample a, Sample b, Sample c, Sample d) {
+  const Sample second_largest =
+      std::max(std::min(std::max(a, b), std::max(c, d)), std::max(std::min(a, b), std::min(c, d)));
+  return std::min(p, second_largest);
+}
+
+Sample LimitedDiagonally(const Sample* const* rows, std::size_t i) {
+  const Sample* above = rows[1] + i;
+  const Sample* below = rows[3] + i;
+  return Limited(rows[2][i], above[-1], above[1], below[-1], below[1]);
+}
+
+void LimitMono(const Sample* const* rows, Sample* out, std::size_t n) {
+  for (std::size_t i = 0; i < n; ++i) {
+    out[i] = LimitedDiagonally(rows, i);
+  }
+}
+
+void LimitBayer(const Sample* const* rows, bool green_first, Sample* out, std::size_t n) {
+  for (std::size_t i = 0; i < n; ++i) {
+    const Sample* row = rows[2] + i;
+    out[i] = green_first == (i % 2 == 0) ? LimitedDiagonally(rows, i)
+                                         : Limited(*row, rows[0][i], rows[4][i], row[-2], row[2]);
+  }
+}
+
+bool Subtract(const Sample* dark, Sample* samples, Sample* before, std::size_t n) {
+  bool is_saturated = false;
+  for (std::size_t i = 0; i < n; ++i) {
+    before[i] = samples[i];
+    is_saturated |= samples[i] >= kSaturated;
+    samples[i] = static_cast<Sample>(std::max(0, samples[i] - dark[i]));
+  }
+  return is_saturated;
+}
+
+std::size_t FindDesaturated(const Sample* before, const Sample* after, std::size_t from,
+                            std::size_t n) {
+  while (from < n && !(before[from] >= kSaturated && after[from] < kSaturated)) {
+    ++from;
+  }
+  return from;
+}
+
 }  // namespace
 
 constinit const FrameKernels kReferenceFrameKernels = {
@@ -62,6 +106,10 @@ constinit const FrameKernels kReferenceFrameKernels = {
     .sharpen_mono = Sharpen<1>,
     .sharpen_bgr24 = Sharpen<3>,
     .sharpen_bgr32 = Sharpen<4>,
+    .limit_mono = LimitMono,
+    .limit_bayer = LimitBayer,
+    .subtract = Subtract,
+    .find_desaturated = FindDesaturated,
 };
 
 }  // namespace vexa::imaging

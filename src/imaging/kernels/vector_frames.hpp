@@ -7,6 +7,7 @@
 /// templates or inline functions of other headers.
 #pragma once
 
+#include "imaging/kernels/vector_noise_reduction.hpp"
 #include "imaging/kernels/vector_reordering.hpp"
 #include "imaging/kernels/vector_sharpness.hpp"
 
@@ -28,6 +29,10 @@ constexpr FrameKernels MakeFrameKernels(const char* name) {
       .sharpen_mono = VectorSharpness<V>::Mono,
       .sharpen_bgr24 = VectorSharpness<V>::template Bgr<3>,
       .sharpen_bgr32 = VectorSharpness<V>::template Bgr<4>,
+      .limit_mono = VectorNoiseReduction<V>::LimitMono,
+      .limit_bayer = VectorNoiseReduction<V>::LimitBayer,
+      .subtract = VectorNoiseReduction<V>::Subtract,
+      .find_desaturated = VectorNoiseReduction<V>::FindDesaturated,
   };
 }
 

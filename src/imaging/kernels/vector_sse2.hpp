@@ -40,7 +40,14 @@ struct Sse2 {
   static Vector Or(Vector a, Vector b) { return _mm_or_si128(a, b); }
   static Vector And(Vector a, Vector b) { return _mm_and_si128(a, b); }
   static Vector AndNot(Vector mask, Vector v) { return _mm_andnot_si128(mask, v); }
+  /// a where the bytes of the mask are 0xFF, b where they are 0.
+  static Vector Pick(Vector mask, Vector a, Vector b) { return Or(And(mask, a), AndNot(mask, b)); }
   static Vector Equal(Vector a, Vector b) { return _mm_cmpeq_epi8(a, b); }
+  static Vector Min(Vector a, Vector b) { return _mm_min_epu8(a, b); }
+  static Vector Max(Vector a, Vector b) { return _mm_max_epu8(a, b); }
+  static Vector Bytes(std::uint8_t byte) { return _mm_set1_epi8(static_cast<char>(byte)); }
+  /// One bit for each sample, its highest.
+  static unsigned HighBits(Vector v) { return static_cast<unsigned>(_mm_movemask_epi8(v)); }
   static Vector AddClamped(Vector a, Vector b) { return _mm_adds_epu8(a, b); }
   static Vector SubClamped(Vector a, Vector b) { return _mm_subs_epu8(a, b); }
   static Vector AddWords(Vector a, Vector b) { return _mm_add_epi16(a, b); }
