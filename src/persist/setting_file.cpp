@@ -23,6 +23,11 @@ std::string SectionName(const char* prefix, WORD product_id) {
   return name.data();
 }
 
+std::string Numbered(const char* prefix, std::size_t number) {
+  std::string key = prefix;
+  return key.append(std::to_string(number));
+}
+
 /// The older form of a key for exposures, in lines and clocks beyond them.
 struct LegacyKeys {
   const char* lines;
@@ -171,7 +176,7 @@ void CSettingFile::VisitRegisters(Visitor& visitor) {
   visitor.Key("IODirection", values_.pin_direction);
   visitor.Key("IOPolarity", values_.pin_polarity);
   for (std::size_t i = 0; i < kPins; ++i) {
-    visitor.Key("IOMode_" + std::to_string(i), values_.pin_modes[i]);
+    visitor.Key(Numbered("IOMode_", i), values_.pin_modes[i]);
   }
   if (has_.led) {
     visitor.Key("LED", values_.led);
@@ -195,7 +200,7 @@ void CSettingFile::VisitColors(Visitor& visitor) {
   visitor.Section("ColorMatrix");
   visitor.Key("ColorMatrixMode", values_.matrix_mode);
   for (std::size_t i = 0; i < kMatrixEntries; ++i) {
-    visitor.Key("ColorMatrix_" + std::to_string(i), values_.matrix[i]);
+    visitor.Key(Numbered("ColorMatrix_", i), values_.matrix[i]);
   }
   for (std::size_t i = 0; i < GammaCount(); ++i) {
     Gamma& gamma = values_.gammas[i];
@@ -205,7 +210,7 @@ void CSettingFile::VisitColors(Visitor& visitor) {
     visitor.Key("Brightness", gamma.brightness);
     visitor.Key("Contrast", gamma.contrast);
     for (std::size_t level = 0; level < gamma.table.size(); ++level) {
-      visitor.Key("GammaTable_" + std::to_string(level), gamma.table[level]);
+      visitor.Key(Numbered("GammaTable_", level), gamma.table[level]);
     }
   }
 }
