@@ -51,7 +51,9 @@
 #ifndef __cplusplus
 #include <uchar.h>
 #endif
+/** Calling convention of functions and callbacks. */
 #define VEXA_CALL
+/** Marks what the library exports. */
 #define VEXA_API __attribute__((visibility("default")))
 #endif
 
@@ -74,9 +76,11 @@ typedef struct VexaHostSurface* HDC; /**< Drawing surface. */
 /**@}*/
 
 #ifndef TRUE
+/** A BOOL: yes, or success. */
 #define TRUE 1
 #endif
 #ifndef FALSE
+/** A BOOL: no, or failure. */
 #define FALSE 0
 #endif
 #ifndef INVALID_HANDLE_VALUE
@@ -159,12 +163,12 @@ VEXA_API void SetLastError(DWORD code);
 
 /** @name Trigger timing identifiers of Vexa_SetTriggerTiming() */
 /**@{*/
-#define VEXA_TIMING_EXPOSURE_DELAY 0
-#define VEXA_TIMING_STROBE_START_DELAY 1
-#define VEXA_TIMING_STROBE_END_DELAY 2
-#define VEXA_TIMING_TRIGGER_PULSE_DELAY 3
-#define VEXA_TIMING_TRIGGER_PULSE_DURATION 4
-#define VEXA_TIMING_READ_OUT_DELAY 5
+#define VEXA_TIMING_EXPOSURE_DELAY 0         /**< Exposure delay. */
+#define VEXA_TIMING_STROBE_START_DELAY 1     /**< Start of the strobe. */
+#define VEXA_TIMING_STROBE_END_DELAY 2       /**< End of the strobe. */
+#define VEXA_TIMING_TRIGGER_PULSE_DELAY 3    /**< Start of the trigger pulse. */
+#define VEXA_TIMING_TRIGGER_PULSE_DURATION 4 /**< Length of the trigger pulse. */
+#define VEXA_TIMING_READ_OUT_DELAY 5         /**< Read-out delay. */
 /**@}*/
 
 /** @name Parameter identifiers of Vexa_SetParamDWord() and its sisters
@@ -186,10 +190,13 @@ VEXA_API void SetLastError(DWORD code);
 #define VEXA_PARAM_EXPOSURE_CLOCK 0x0F00       /**< [dword, set, get] Vexa_SetExposureClock() */
 #define VEXA_PARAM_COLOR_ARRAY 0x1100          /**< [word, get] Vexa_GetColorArray() */
 #define VEXA_PARAM_WHITE_BALANCE_GAIN_R 0x1300 /**< [word, set, get] Vexa_SetWhiteBalanceGain() */
-#define VEXA_PARAM_WHITE_BALANCE_GAIN_GR 0x1301
-#define VEXA_PARAM_WHITE_BALANCE_GAIN_GB 0x1302
-#define VEXA_PARAM_WHITE_BALANCE_GAIN_B 0x1303
-#define VEXA_PARAM_WHITE_BALANCE_MODE 0x1500 /**< [byte, set, get] Vexa_SetWhiteBalanceMode() */
+#define VEXA_PARAM_WHITE_BALANCE_GAIN_GR                   \
+  0x1301 /**< [word, set, get] the same, green on red rows \
+          */
+#define VEXA_PARAM_WHITE_BALANCE_GAIN_GB \
+  0x1302                                       /**< [word, set, get] the same, green on blue rows */
+#define VEXA_PARAM_WHITE_BALANCE_GAIN_B 0x1303 /**< [word, set, get] the same, blue */
+#define VEXA_PARAM_WHITE_BALANCE_MODE 0x1500   /**< [byte, set, get] Vexa_SetWhiteBalanceMode() */
 #define VEXA_PARAM_WHITE_BALANCE 0x1700      /**< [pointer, set] Vexa_WhiteBalance() on the image */
 #define VEXA_PARAM_CAMERA_VERSION 0x1A00     /**< [word, get] version, Vexa_GetCameraVersion() */
 #define VEXA_PARAM_PRODUCT_ID 0x1A01         /**< [word, get] of Vexa_GetCameraVersion() */
@@ -237,8 +244,8 @@ VEXA_API void SetLastError(DWORD code);
 
 /** @name Mirror mode bits of Vexa_SetMirrorMode() */
 /**@{*/
-#define VEXA_MIRROR_HORIZONTAL 0x10
-#define VEXA_MIRROR_VERTICAL 0x20
+#define VEXA_MIRROR_HORIZONTAL 0x10 /**< Left and right exchanged. */
+#define VEXA_MIRROR_VERTICAL 0x20   /**< Top and bottom exchanged. */
 /**@}*/
 
 /**
