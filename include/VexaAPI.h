@@ -244,8 +244,36 @@ VEXA_API void SetLastError(DWORD code);
 
 /** @name Mirror mode bits of Vexa_SetMirrorMode() */
 /**@{*/
-#define VEXA_MIRROR_HORIZONTAL 0x10 /**< Left and right exchanged. */
-#define VEXA_MIRROR_VERTICAL 0x20   /**< Top and bottom exchanged. */
+#define VEXA_CAMERA_MIRROR_HORIZONTAL 0x10 /**< Left and right exchanged. */
+#define VEXA_CAMERA_MIRROR_VERTICAL 0x20   /**< Top and bottom exchanged. */
+/**@}*/
+
+/** @name Operations of Vexa_MirrorRotation()
+ * Where pixel (x, y) of a frame of width W and height H goes. */
+/**@{*/
+#define VEXA_MIRROR_NONE 0             /**< Stays. */
+#define VEXA_MIRROR_HORIZONTAL 1       /**< (W - 1 - x, y) */
+#define VEXA_MIRROR_VERTICAL 2         /**< (x, H - 1 - y) */
+#define VEXA_ROTATE_180 3              /**< (W - 1 - x, H - 1 - y) */
+#define VEXA_ROTATE_CLOCKWISE 4        /**< (H - 1 - y, x); the frame becomes H x W. */
+#define VEXA_ROTATE_COUNTERCLOCKWISE 5 /**< (y, W - 1 - x); H x W. */
+#define VEXA_TRANSPOSE_ANTIDIAGONAL 6  /**< (H - 1 - y, W - 1 - x); H x W. */
+#define VEXA_TRANSPOSE 7               /**< (y, x); H x W. */
+/**@}*/
+
+/** @name Quarter turns after the mirrors of Vexa_MirrorRotation() */
+/**@{*/
+#define VEXA_ROTATION_NONE 0
+#define VEXA_ROTATION_CLOCKWISE 1
+#define VEXA_ROTATION_COUNTERCLOCKWISE 2
+/**@}*/
+
+/** @name White-balance modes of Vexa_SetWhiteBalanceMode() */
+/**@{*/
+#define VEXA_WHITE_BALANCE_OFF 0    /**< Frames stay as they are. */
+#define VEXA_WHITE_BALANCE_MANUAL 1 /**< The current gains. */
+#define VEXA_WHITE_BALANCE_AUTO 2   /**< Gains found anew on every frame. */
+#define VEXA_WHITE_BALANCE_ONCE 3   /**< Gains found on the next frame; then manual. */
 /**@}*/
 
 /**
@@ -490,13 +518,13 @@ VEXA_API BOOL VEXA_CALL Vexa_GetColorArray(HANDLE camera, WORD* color_array);
 /**
  * Sets the mirroring that the camera does itself.
  * @param camera the camera.
- * @param mode   VEXA_MIRROR_ bits; other bits are ignored. Horizontal needs function 22, vertical
- *               function 23, else 87. On a model with neither, a mode without both bits succeeds
- *               and sends nothing. The colour array follows also when the camera refuses.
+ * @param mode   VEXA_CAMERA_MIRROR_ bits; other bits are ignored. Horizontal needs function 22,
+ * vertical function 23, else 87. On a model with neither, a mode without both bits succeeds and
+ * sends nothing. The colour array follows also when the camera refuses.
  */
 VEXA_API BOOL VEXA_CALL Vexa_SetMirrorMode(HANDLE camera, BYTE mode);
-/** Reads the mirroring from the camera. @param camera the camera. @param[out] mode VEXA_MIRROR_
- * bits; 0 on failure and on a model without mirroring. */
+/** Reads the mirroring from the camera. @param camera the camera. @param[out] mode
+ * VEXA_CAMERA_MIRROR_ bits; 0 on failure and on a model without mirroring. */
 VEXA_API BOOL VEXA_CALL Vexa_GetMirrorMode(HANDLE camera, BYTE* mode);
 /**@}*/
 
@@ -618,6 +646,133 @@ VEXA_API BOOL VEXA_CALL Vexa_SetTransferBitsPerPixel(HANDLE camera, DWORD code);
 /** The transfer format, from the library's copy. @param camera the camera. @param[out] code a
  * VEXA_TRANSFER_ code. */
 VEXA_API BOOL VEXA_CALL Vexa_GetTransferBitsPerPixel(HANDLE camera, DWORD* code);
+/**@}*/
+
+/** @defgroup camera_functions Image functions of the camera
+ *
+ * Corrections that the camera's own electronics make on models that have them
+ * (Vexa_HasFunction()). The setters refuse what a model lacks with 87 and send nothing; the getters
+ * then give 0 with success. Only the low 16 bits of values and indexes count. What a value means
+ * beyond the ranges named here is the camera's. Mirroring stands with the identity functions,
+ * because the colour array depends on it. */
+/**@{*/
+
+/** Sets how binned pixels are put together. @param camera the camera; needs function 61. @param
+ * mode 0 or 1, else 87. */
+VEXA_API BOOL VEXA_CALL Vexa_SetBinningSumMode(HANDLE camera, DWORD mode);
+/** Reads the binning sum mode. @param camera the camera. @param[out] mode 0 on failure and on a
+ * model without it. */
+VEXA_API BOOL VEXA_CALL Vexa_GetBinningSumMode(HANDLE camera, WORD* mode);
+
+/** Sets the camera's gamma. @param camera the camera; needs function 57. @param value 0 to 63, else
+ * 87. */
+VEXA_API BOOL VEXA_CALL Vexa_SetCameraGammaValue(HANDLE camera, DWORD value);
+/** Reads the camera's gamma. @param camera the camera. @param[out] value 0 on failure and on a
+ * model without it. */
+VEXA_API BOOL VEXA_CALL Vexa_GetCameraGammaValue(HANDLE camera, WORD* value);
+
+/** Sets the digital clamp (black level). @param camera the camera; needs function 55. @param value
+ * 0 to 255, else 87. */
+VEXA_API BOOL VEXA_CALL Vexa_SetDigitalClamp(HANDLE camera, DWORD value);
+/** Reads the digital clamp. @param camera the camera. @param[out] value 0 on failure and on a model
+ * without it. */
+VEXA_API BOOL VEXA_CALL Vexa_GetDigitalClamp(HANDLE camera, WORD* value);
+
+/** Entries of the camera's defect pixel table. @param camera the camera. @param[out] count 64 on a
+ * model with function 59, else 0. */
+VEXA_API BOOL VEXA_CALL Vexa_GetEnableDefectPixelCorrectionCount(HANDLE camera, WORD* count);
+/** Sets the defect pixel correction mode. @param camera the camera; needs function 59. @param mode
+ * the camera's mode, low 16 bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetDefectPixelCorrectionMode(HANDLE camera, DWORD mode);
+/** Reads the defect pixel correction mode. @param camera the camera. @param[out] mode 0 on failure
+ * and on a model without it. */
+VEXA_API BOOL VEXA_CALL Vexa_GetDefectPixelCorrectionMode(HANDLE camera, WORD* mode);
+/**
+ * Sets an entry of the defect pixel table.
+ * @param camera the camera; needs function 59.
+ * @param index  entry, from 0; not below Vexa_GetEnableDefectPixelCorrectionCount() gives 87.
+ * @param x,y    column and row of the pixel in the frame, low 16 bits count; 0xFFFF and 0xFFFF mark
+ *               an unused entry.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetDefectPixelCorrectionPosition(HANDLE camera, DWORD index, DWORD x,
+                                                              DWORD y);
+/** Reads an entry of the defect pixel table. @param camera the camera. @param index as for the
+ * setter. @param[out] x column. @param[out] y row. Each pointer may be null; untouched on
+ * failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetDefectPixelCorrectionPosition(HANDLE camera, DWORD index, DWORD* x,
+                                                              DWORD* y);
+
+/**
+ * Sets the white-balance gains: of the camera itself on models with function 24, else those that
+ * Vexa_WhiteBalance() applies on the host. There a sample i becomes min(255, i * gain / 128).
+ *
+ * At Vexa_Open() the camera's default gains are in force on the host, and those in the camera's
+ * registers in the camera.
+ * @param camera     the camera.
+ * @param red        gain of red pixels; 128 is unity.
+ * @param green_red  gain of green pixels in red rows.
+ * @param green_blue gain of green pixels in blue rows.
+ * @param blue       gain of blue pixels.
+ *
+ * Frames are corrected with all four old gains or all four new ones; the call waits for a running
+ * Vexa_WhiteBalance().
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetWhiteBalanceGain(HANDLE camera, WORD red, WORD green_red,
+                                                 WORD green_blue, WORD blue);
+/** The white-balance gains; on models with function 24 read from the camera. @param camera the
+ * camera. @param[out] red,green_red,green_blue,blue as for the setter; 0 on failure. Each pointer
+ * may be null. */
+VEXA_API BOOL VEXA_CALL Vexa_GetWhiteBalanceGain(HANDLE camera, WORD* red, WORD* green_red,
+                                                 WORD* green_blue, WORD* blue);
+/**
+ * Sets the white-balance mode.
+ * @param camera the camera.
+ * @param mode   VEXA_WHITE_BALANCE_ code, low 8 bits count; not checked. On models with function 24
+ *               the camera interprets it, elsewhere Vexa_WhiteBalance(), for which codes above 3
+ *               are as VEXA_WHITE_BALANCE_MANUAL. On the host the mode is manual after Vexa_Open().
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetWhiteBalanceMode(HANDLE camera, DWORD mode);
+/** The white-balance mode; on models with function 24 read from the camera. @param camera the
+ * camera. @param[out] mode 0 on failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetWhiteBalanceMode(HANDLE camera, BYTE* mode);
+/**@}*/
+
+/** @defgroup gain Gain */
+/**@{*/
+
+/**
+ * Sets the analog gain: reads the camera's gain and exposure block, changes it and writes it back.
+ * @param camera the camera.
+ * @param gain   setting value, usually 0 to Vexa_GetMaxGain(). The library does not check it: a
+ *               value that the camera refuses fails with the driver's code, and nothing changes.
+ * The present gain of the level control (Vexa_ALC()) follows.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetGain(HANDLE camera, WORD gain);
+/** Reads the analog gain. @param camera the camera. @param[out] gain setting value; untouched on
+ * failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetGain(HANDLE camera, WORD* gain);
+/** The highest analog gain of the present scan settings, from the library's copy. @param camera the
+ * camera. @param[out] gain setting value. */
+VEXA_API BOOL VEXA_CALL Vexa_GetMaxGain(HANDLE camera, WORD* gain);
+
+/**
+ * Decibels of an analog gain.
+ *
+ * The curve is the model's. With function 49 and without 16 the amplification is linear in two
+ * segments: 20 * log10(a / 64) with a = 8 * (v + 8) below v = 21, else 28 * (v - 12). With function
+ * 16 and without 49: (v + 128) * 0.07038 + 2. All others: v * 0.132 - 2.36.
+ * @param camera       the camera; nothing is sent.
+ * @param value        setting value v, low 16 bits count; it may lie above Vexa_GetMaxGain().
+ * @param[out] decibel decibels.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetGainDBFromSettingValue(HANDLE camera, DWORD value, float* decibel);
+
+/** Sets the digital gain, a factor that the camera applies to its samples. @param camera the
+ * camera. @param gain in the camera's units; the camera checks it. */
+VEXA_API BOOL VEXA_CALL Vexa_SetDigitalGain(HANDLE camera, WORD gain);
+/** Reads the digital gain. @param camera the camera. @param[out] gain in the camera's units; 0 on
+ * failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetDigitalGain(HANDLE camera, WORD* gain);
 /**@}*/
 
 /** @defgroup trigger Trigger and I/O */
@@ -745,6 +900,48 @@ VEXA_API BOOL VEXA_CALL Vexa_SetRcvErrorCallback(HANDLE camera, VEXA_RCV_ERROR_C
  * event has returned. @param camera the camera. @param window null posts none. */
 VEXA_API BOOL VEXA_CALL Vexa_SetRcvMsgWnd(HANDLE camera, HWND window);
 
+/**
+ * Sets how many frames are kept for Vexa_TakeRawSnapShot(), and forgets those kept so far.
+ *
+ * The transfer thread copies every frame into a ring of this length, where a new frame takes the
+ * place of the oldest one. Until this call or the first Vexa_TakeRawSnapShot() there is no ring,
+ * and frames are not copied.
+ * @param camera the camera.
+ * @param count  frames of the present image size; 0 frees the ring, and the next
+ *               Vexa_TakeRawSnapShot() makes one of 2.
+ * @return 1, also when memory ran out; the next Vexa_TakeRawSnapShot() then tries again.
+ *
+ * Not while another thread waits in Vexa_TakeRawSnapShot(): that one would wait in vain.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetRawSnapShotBufferCount(HANDLE camera, DWORD count);
+
+/**
+ * Takes the oldest raw frame that has been kept, or waits for the next one. Starts the transfer
+ * when none runs, and leaves it running.
+ *
+ * Makes a ring of the length set with Vexa_SetRawSnapShotBufferCount(), at least 2, when there is
+ * none, and a new one when the image size has changed. Each Vexa_StartTransfer() empties it. Frames
+ * reach the ring before their transfer-end callback runs.
+ * @param camera            the camera.
+ * @param[out] buffer       receives the image in the transfer format, without header, cut to the
+ *                          buffer; may be null when buffer_size is 0.
+ * @param buffer_size       bytes that the buffer has room for.
+ * @param[out] bytes_copied bytes put into the buffer; may be null. Unchanged on failure.
+ * @param[out] frame_number the camera's frame number; may be null. Unchanged on failure.
+ * @param timeout           longest wait in milliseconds; 0 only looks, INFINITE waits without
+ *                          limit.
+ * @return 0 with 258 (WAIT_TIMEOUT) when no frame came in time; 5 when the transfer has ended
+ *         because the camera is gone, or is stopped during the wait; 8 when memory for the ring ran
+ *         out; 170 (ERROR_BUSY) when another thread waits here for this camera; else the error of
+ *         Vexa_StartTransfer().
+ *
+ * One thread at a time may wait on a camera. In a callback of the same camera the time-out counts
+ * as 0, because the frame waited for could not come.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_TakeRawSnapShot(HANDLE camera, BYTE* buffer, DWORD buffer_size,
+                                             DWORD* bytes_copied, DWORD* frame_number,
+                                             DWORD timeout);
+
 /** Bytes of the most recently received transfer, accepted or lost. @param camera the camera.
  * @param[out] size bytes; 0 for an invalid handle.
  * @return always 0; the last error is set (87) only for an invalid handle. */
@@ -841,6 +1038,31 @@ VEXA_API BOOL VEXA_CALL Vexa_GetParamPtr(HANDLE camera, DWORD id, void** pointer
 VEXA_API BOOL VEXA_CALL Vexa_ColorInterpolation(DWORD width, DWORD height, WORD color_array,
                                                 const BYTE* source, BYTE* destination, BYTE method,
                                                 DWORD output_format);
+
+/**
+ * Mirrors, turns or transposes an 8-bit frame, raw or monochrome, in its buffer, and brings its
+ * size and colour array up to date, so that Vexa_ColorInterpolation() takes the right phase. The
+ * camera's own mirroring is Vexa_SetMirrorMode().
+ *
+ * @param operation   VEXA_MIRROR_, VEXA_ROTATE_ or VEXA_TRANSPOSE_ operation; 8 and above do
+ *                    nothing and succeed.
+ * @param rotation    VEXA_ROTATION_NONE leaves it at the operation. With a quarter turn only bits 0
+ *                    (horizontal mirror) and 1 (vertical mirror) of the operation count, also of 8
+ *                    and above: the mirrors come first, the turn after them.
+ * @param[in,out] width  pixels per row; the height after a quarter turn or transpose.
+ * @param[in,out] height rows; the width after a quarter turn or transpose.
+ * @param[in,out] color_array VEXA_COLOR_ARRAY_ code of the frame. What becomes of the four Bayer
+ *                    codes is exact for even sizes: an odd width or height moves the pixels in the
+ *                    same way, but shifts the pattern. Other codes stay.
+ * @param[in,out] frame  width * height bytes.
+ * @return 0 with 87 for rotation codes above 2, for null pointers and for a frame larger than the
+ *         address space; 0 with 8 when there is no memory for the copy of the frame that quarter
+ *         turns and transposes work from. Frame, size and colour array are then unchanged.
+ *
+ * Starts no thread, keeps no state.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_MirrorRotation(BYTE operation, BYTE rotation, DWORD* width,
+                                            DWORD* height, WORD* color_array, BYTE* frame);
 /**@}*/
 
 /** @defgroup drawing Drawing */

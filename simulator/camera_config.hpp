@@ -58,7 +58,7 @@ struct CameraConfig {
   std::shared_ptr<const Picture> scene;  // null: the built-in scene
   bool moving_parts = true;              // moving object and frame counter over the scene
   bool noise = true;                     // shot and read noise
-  unsigned defect_pixels = 6;            // bright and dead pixels of the sensor
+  unsigned defect_pixels = 6;            // by turns always bright and dead ones
   std::uint64_t seed = 1;                // of noise and defect pixels
   std::array<double, 3> illuminant{1.0, 1.0, 1.0};  // strength of the light in red, green, blue
 

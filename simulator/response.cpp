@@ -16,8 +16,11 @@ constexpr double kWhiteElectrons = (kWhiteCounts - kUsualBlack) / kCountsPerElec
 constexpr double kNoiseUnits = 8;  // per count
 constexpr double kSteepestGamma = 8;
 
-Sample Respond(double light, const Tone& tone, double balance) {
-  const double electrons = std::min(light * tone.exposure * kWhiteElectrons, kFullWell);
+double Electrons(double light, const Tone& tone) {
+  return std::min(light * tone.exposure * kWhiteElectrons, kFullWell);
+}
+
+Sample Respond(double electrons, const Tone& tone, double balance) {
   const double shot = electrons < kFullWell ? electrons : 0;
   const double scale = kCountsPerElectron * tone.gain;
   double mean = std::min(tone.black_level + electrons * scale, double{kFullScale});
@@ -41,10 +44,11 @@ void Response::Compute(const Tone& tone, const std::array<double, 3>& illuminant
   constexpr std::array<std::size_t, 4> kColourOfFilter{0, 1, 1, 2};
   for (std::size_t filter = 0; filter < curves_.size(); ++filter) {
     const double strength = illuminant[kColourOfFilter[filter]] / kFullDrive;
-    for (std::size_t drive = 0; drive < curves_[filter].size(); ++drive) {
-      curves_[filter][drive] =
-          Respond(static_cast<double>(drive) * strength, tone, tone.balance[filter]);
+    for (std::size_t drive = 0; drive <= kFullDrive; ++drive) {
+      const double electrons = Electrons(static_cast<double>(drive) * strength, tone);
+      curves_[filter][drive] = Respond(electrons, tone, tone.balance[filter]);
     }
+    curves_[filter][kStuckDrive] = Respond(kFullWell, tone, tone.balance[filter]);
   }
 }
 

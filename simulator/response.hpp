@@ -23,7 +23,7 @@ struct Sample {
 /// and the read noise, are amplified, converted, clipped and corrected.
 class Response {
  public:
-  using Curve = std::array<Sample, kFullDrive + 1>;
+  using Curve = std::array<Sample, kStuckDrive + 1>;
 
   Response();
   void Compute(const Tone& tone, const std::array<double, 3>& illuminant);

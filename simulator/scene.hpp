@@ -21,6 +21,8 @@ struct Light {
   std::uint16_t blue = 0;
 };
 inline constexpr std::uint16_t kFullDrive = 4095;
+/// Drive of a defect pixel whose well is full whatever the light and the exposure.
+inline constexpr std::uint16_t kStuckDrive = kFullDrive + 1;
 
 /// What a monochrome sensor makes of a colour: luminance (ITU-R BT.601 weights, in 1/256).
 constexpr std::uint16_t Luminance(const Light& light) {

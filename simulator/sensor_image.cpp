@@ -101,8 +101,9 @@ void SensorImage::AddDefects() {
     const AxisMap::Range columns = sampling_.columns.LinesIn(x, x + 1);
     const AxisMap::Range rows = sampling_.rows.LinesIn(y, y + 1);
     if (columns.first == columns.end || rows.first == rows.end) continue;
-    // Bright and dead ones by turns.
-    const std::uint16_t drive = i % 2 == 0 ? kFullDrive : 0;
+    // Bright and dead ones by turns. The bright ones shine in the dark, too, where they can be
+    // found.
+    const std::uint16_t drive = i % 2 == 0 ? kStuckDrive : 0;
     for (Plane& plane : planes_) plane.drive[rows.first * width() + columns.first] = drive;
   }
 }

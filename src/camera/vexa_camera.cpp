@@ -21,6 +21,7 @@ CVexaCamera::CVexaCamera()
                  .mirror = mirror_,
                  .time_outs = time_outs_,
                  .triggers = triggers_,
+                 .snapshot = snapshot_,
                  .notifier = notifier_},
                 {.timing = timing_,
                  .exposure = exposure_,
@@ -30,12 +31,13 @@ CVexaCamera::CVexaCamera()
 CVexaCamera::~CVexaCamera() = default;
 
 Status CVexaCamera::Open(platform::Driver& driver) {
-  const Status status = device::OpenFirstFreeCamera(driver, channel_, identity_);
+  Status status = device::OpenFirstFreeCamera(driver, channel_, identity_);
   if (!status.ok()) {
     return status;
   }
   transfer_.set_max_transfer_size(device::ReadMaxTransferSize());
-  return ReloadSettings();
+  status = white_balance_.SetUp();
+  return status.ok() ? ReloadSettings() : status;
 }
 
 Status CVexaCamera::ReloadSettings() {
@@ -66,12 +68,12 @@ output::CEasyDraw& CVexaCamera::easy_draw() {
   return *easy_draw_;
 }
 
-bool CVexaCamera::SetGainAndExposureClock(std::uint16_t gain, std::uint32_t exposure_clock) {
-  return exposure_.SetGainAndExposureClock(gain, exposure_clock).ok();
+Status CVexaCamera::SetGainAndExposureClock(std::uint16_t gain, std::uint32_t exposure_clock) {
+  return exposure_.SetGainAndExposureClock(gain, exposure_clock);
 }
 
-bool CVexaCamera::GetGainAndExposureClock(std::uint16_t* gain, std::uint32_t* exposure_clock) {
-  return exposure_.GetGainAndExposureClock(gain, exposure_clock).ok();
+Status CVexaCamera::GetGainAndExposureClock(std::uint16_t* gain, std::uint32_t* exposure_clock) {
+  return exposure_.GetGainAndExposureClock(gain, exposure_clock);
 }
 
 std::uint16_t CVexaCamera::GetMaxGain() { return timing_.Settings().max_gain(); }

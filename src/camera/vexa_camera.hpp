@@ -13,13 +13,16 @@
 #include "output/easy_draw.hpp"
 #include "platform/driver.hpp"
 #include "platform/status.hpp"
+#include "settings/camera_correction.hpp"
 #include "settings/exposure_control.hpp"
 #include "settings/gain_exposure_interface.hpp"
 #include "settings/mirror.hpp"
 #include "settings/sensor_timing.hpp"
 #include "settings/transfer_format.hpp"
 #include "settings/trigger_io.hpp"
+#include "settings/white_balance.hpp"
 #include "transfer/notifier.hpp"
+#include "transfer/snapshot.hpp"
 #include "transfer/transfer_engine.hpp"
 #include "transfer/trigger_waits.hpp"
 #include "transfer/triggers.hpp"
@@ -29,10 +32,11 @@ namespace vexa::camera {
 /// One camera: composes the parts that each own a piece of its state. The address of the object is
 /// the camera handle.
 ///
-/// Locks, outermost first: the engine's start and stop lock, the callback mutex (held while a
-/// callback runs, so every lock that the callback's own calls take nests inside it), the short
-/// locks of the copies kept by parts, the control channel's request mutex (innermost, around one
-/// request).
+/// Locks, outermost first: the engine's start and stop lock, the snapshot mutex with the ring's own
+/// inside it (released before a callback runs), the callback mutex (held while a callback runs, so
+/// every lock that the callback's own calls take nests inside it), the white balance's lock (held
+/// while a frame is measured and while its gains are sent), the short locks of the copies kept by
+/// parts, the control channel's request mutex (innermost, around one request).
 class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
  public:
   CVexaCamera();
@@ -55,9 +59,12 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   settings::ExposureControl& exposure() { return exposure_; }
   settings::TransferFormat& transfer_format() { return transfer_format_; }
   settings::Mirror& mirror() { return mirror_; }
+  settings::CameraCorrection& correction() { return correction_; }
+  settings::WhiteBalance& white_balance() { return white_balance_; }
   settings::TriggerIo& trigger_io() { return trigger_io_; }
   transfer::TimeOuts& time_outs() { return time_outs_; }
   transfer::Triggers& triggers() { return triggers_; }
+  transfer::RawSnapshot& snapshot() { return snapshot_; }
   transfer::Notifier& notifier() { return notifier_; }
   transfer::TransferEngine& transfer() { return transfer_; }
   /// The drawing object, made by the first call; throws std::bad_alloc. No lock: calls must not
@@ -67,8 +74,8 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   std::atomic<std::uint32_t>& transfer_mode() { return transfer_mode_; }
 
   // IUpdateGainExposureClockSetting
-  bool SetGainAndExposureClock(std::uint16_t gain, std::uint32_t exposure_clock) override;
-  bool GetGainAndExposureClock(std::uint16_t* gain, std::uint32_t* exposure_clock) override;
+  Status SetGainAndExposureClock(std::uint16_t gain, std::uint32_t exposure_clock) override;
+  Status GetGainAndExposureClock(std::uint16_t* gain, std::uint32_t* exposure_clock) override;
   std::uint16_t GetMaxGain() override;
   std::uint16_t GetMinGain() override;
   float GainToDecibel(std::uint32_t gain) override;
@@ -84,9 +91,12 @@ class CVexaCamera final : public settings::IUpdateGainExposureClockSetting {
   settings::ExposureControl exposure_{channel_, registers_, identity_, timing_};
   settings::TransferFormat transfer_format_{channel_, identity_};
   settings::Mirror mirror_{registers_, identity_};
+  settings::CameraCorrection correction_{registers_, identity_};
+  settings::WhiteBalance white_balance_{channel_, registers_, identity_};
   settings::TriggerIo trigger_io_{channel_, registers_, identity_};
   transfer::TimeOuts time_outs_;
   transfer::Triggers triggers_{channel_, registers_};
+  transfer::RawSnapshot snapshot_;
   transfer::Notifier notifier_{this};
   transfer::TransferEngine transfer_;
   std::atomic<std::uint32_t> transfer_mode_ = 0;

@@ -20,6 +20,7 @@ enum class Request : std::uint8_t {
   kClearBuffer = 0x20,
   kGainExposure = 0x21,
   kClock = 0x22,
+  kWhiteBalanceDefaults = 0x23,
   kSoftTrigger = 0x30,
   kRegister = 0x80,
   kCameraSetting = 0x81,

@@ -18,8 +18,13 @@ enum class Function : std::uint32_t {
   kVerticalBlanking = 21,
   kHorizontalMirror = 22,
   kVerticalMirror = 23,
+  kWhiteBalance = 24,
   kSuppliesTimingLimits = 48,
   kGainCurve2 = 49,
+  kDigitalClamp = 55,
+  kCameraGamma = 57,
+  kDefectPixelCorrection = 59,
+  kBinningSum = 61,
 };
 
 /// The camera information block and the capability mask.

@@ -12,7 +12,13 @@
 namespace vexa::device {
 
 /// Register blocks.
-enum class RegisterBlock : std::uint16_t { kMain = 0, kIoa = 16, kIta = 32, kJba = 76 };
+enum class RegisterBlock : std::uint16_t {
+  kMain = 0,
+  kIoa = 16,
+  kIta = 32,
+  kJba = 76,
+  kDefectPixels = 129,
+};
 
 /// Words of the command register.
 enum class Command : std::uint16_t {

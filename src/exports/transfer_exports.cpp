@@ -64,6 +64,29 @@ BOOL VEXA_CALL Vexa_SetRcvMsgWnd(HANDLE camera, HWND window) {
   });
 }
 
+BOOL VEXA_CALL Vexa_SetRawSnapShotBufferCount(HANDLE camera, DWORD count) {
+  return CallCamera(camera, [&](CVexaCamera& self) {
+    self.snapshot().SetBufferCount(count, self.transfer().ImageSize());
+    return Status();
+  });
+}
+
+BOOL VEXA_CALL Vexa_TakeRawSnapShot(HANDLE camera, BYTE* buffer, DWORD buffer_size,
+                                    DWORD* bytes_copied, DWORD* frame_number, DWORD timeout) {
+  return CallCamera(camera, [&](CVexaCamera& self) {
+    if (buffer == nullptr && buffer_size != 0) {
+      return vexa::error::kInvalidParameter;
+    }
+    vexa::transfer::TakenFrame taken;
+    const Status status = self.transfer().TakeSnapshot({buffer, buffer_size}, timeout, &taken);
+    if (status.ok()) {
+      Store(bytes_copied, taken.size);
+      Store(frame_number, taken.number);
+    }
+    return status;
+  });
+}
+
 BOOL VEXA_CALL Vexa_GetLastLostFrameDataSize(HANDLE camera, DWORD* size) {
   Clear(size);
   CallCamera(camera,

@@ -56,14 +56,16 @@ bool CountsBinnedLines(std::uint16_t product_id) {
 constexpr std::uint32_t kLineBlanking[3][3] = {
     {450, 430, 420}, {796, 776, 766}, {1488, 1468, 1458}};
 
+constexpr std::uint8_t kDigitalGainRegister = 0x14;
 constexpr std::uint8_t kFrameRateFractionRegister = 86;
 constexpr std::uint8_t kFrameRateIntegerRegister = 87;
 
 }  // namespace
 
-Status ExposureControl::Update(const std::uint16_t* gain, std::uint32_t exposure_clock) {
+Status ExposureControl::Update(std::optional<std::uint16_t> gain,
+                               std::optional<std::uint32_t> exposure_clock) {
   const std::uint32_t line_clocks = timing_.ExposureLineClocks();
-  if (line_clocks == 0) {
+  if (exposure_clock.has_value() && line_clocks == 0) {
     return error::kInvalidParameter;
   }
   GainExposureBlock block;
@@ -71,19 +73,23 @@ Status ExposureControl::Update(const std::uint16_t* gain, std::uint32_t exposure
   if (!status.ok()) {
     return status;
   }
-  block.set_exposure_clock(exposure_clock, line_clocks);
-  if (gain != nullptr) {
+  if (exposure_clock.has_value()) {
+    block.set_exposure_clock(*exposure_clock, line_clocks);
+  }
+  if (gain.has_value()) {
     block.set_gain(*gain);
   }
   return block.Write(channel_);
 }
 
 Status ExposureControl::SetExposureClock(std::uint32_t exposure_clock) {
-  return Update(nullptr, exposure_clock);
+  return Update(std::nullopt, exposure_clock);
 }
 
+Status ExposureControl::SetGain(std::uint16_t gain) { return Update(gain, std::nullopt); }
+
 Status ExposureControl::SetGainAndExposureClock(std::uint16_t gain, std::uint32_t exposure_clock) {
-  return Update(&gain, exposure_clock);
+  return Update(gain, exposure_clock);
 }
 
 Status ExposureControl::GetGainAndExposureClock(std::uint16_t* gain,
@@ -94,6 +100,19 @@ Status ExposureControl::GetGainAndExposureClock(std::uint16_t* gain,
     *gain = block.gain();
     *exposure_clock = block.exposure_clock(timing_.ExposureLineClocks());
   }
+  return status;
+}
+
+Status ExposureControl::SetDigitalGain(std::uint16_t gain) {
+  std::array<std::uint8_t, 2> data{};
+  StoreLe16(data, 0, gain);
+  return registers_.WriteDirect(kDigitalGainRegister, data);
+}
+
+Status ExposureControl::GetDigitalGain(std::uint16_t* gain) {
+  std::array<std::uint8_t, 2> data{};
+  const Status status = registers_.ReadDirect(kDigitalGainRegister, data);
+  *gain = status.ok() ? LoadLe16(data, 0) : std::uint16_t{0};
   return status;
 }
 

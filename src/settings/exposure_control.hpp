@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "device/control_channel.hpp"
 #include "device/identity.hpp"
@@ -24,8 +25,13 @@ class ExposureControl {
   /// Exposures are in pixel clocks, gains setting values. kInvalidParameter when the camera reports
   /// a line of 0 clocks, into which no exposure can be split.
   Status SetExposureClock(std::uint32_t exposure_clock);
+  Status SetGain(std::uint16_t gain);
   Status SetGainAndExposureClock(std::uint16_t gain, std::uint32_t exposure_clock);
   Status GetGainAndExposureClock(std::uint16_t* gain, std::uint32_t* exposure_clock);
+
+  /// The gain after the converter, in the camera's units. 0 on failure.
+  Status SetDigitalGain(std::uint16_t gain);
+  Status GetDigitalGain(std::uint16_t* gain);
 
   /// Clocks of a time in seconds, limited to 1 ... longest exposure.
   Status ClockFromTime(float seconds, std::uint32_t* exposure_clock);
@@ -43,7 +49,8 @@ class ExposureControl {
     double offset = 0;
   };
 
-  Status Update(const std::uint16_t* gain, std::uint32_t exposure_clock);
+  /// Changes what is given.
+  Status Update(std::optional<std::uint16_t> gain, std::optional<std::uint32_t> exposure_clock);
   Status ReadScale(ExposureScale* scale);
   Status MeasuredFrameRate(float* fps);
   Status FrameLengthClocks(std::uint64_t* clocks);

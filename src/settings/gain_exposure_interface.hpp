@@ -4,16 +4,18 @@
 
 #include <cstdint>
 
+#include "platform/status.hpp"
+
 namespace vexa::settings {
 
 /// The gain and exposure of a camera and their limits. Gains are setting values, exposures pixel
 /// clocks. Implementations are not owned through this interface.
 class IUpdateGainExposureClockSetting {
  public:
-  /// Writes both in one request; true on success.
-  virtual bool SetGainAndExposureClock(std::uint16_t gain, std::uint32_t exposure_clock) = 0;
-  /// Reads both in one request; true on success.
-  virtual bool GetGainAndExposureClock(std::uint16_t* gain, std::uint32_t* exposure_clock) = 0;
+  /// Writes both in one request.
+  virtual Status SetGainAndExposureClock(std::uint16_t gain, std::uint32_t exposure_clock) = 0;
+  /// Reads both in one request; on failure both keep what they had.
+  virtual Status GetGainAndExposureClock(std::uint16_t* gain, std::uint32_t* exposure_clock) = 0;
   virtual std::uint16_t GetMaxGain() = 0;
   virtual std::uint16_t GetMinGain() = 0;
   /// Decibels of a setting value (its low 16 bits) on the model's curve.

@@ -2,6 +2,7 @@
 
 #include <mutex>
 #include <new>
+#include <utility>
 
 #include "device/driver_requests.hpp"
 
@@ -21,6 +22,10 @@ Status TransferEngine::Start() {
     return error::kPossibleDeadlock;
   }
   const std::lock_guard lock(mutex_);
+  return StartLocked();
+}
+
+Status TransferEngine::StartLocked() {
   StopRunning();
   const RecoveryPauses pauses = ComputePauses();
   Status status = settings_.timing.Refresh();
@@ -34,8 +39,11 @@ Status TransferEngine::Start() {
   parts_.triggers.set_mode(trigger_mode);
   stop_ = std::make_unique<platform::Event>();
   parts_.triggers.ResetEvents();
+  parts_.snapshot.Reset();
+  std::unique_ptr<platform::Thread> started;
   status = platform::Thread::Start(
-      platform::ThreadPriority::kHighest, [this, pauses] { Body(pauses); }, &thread_);
+      platform::ThreadPriority::kHighest, [this, pauses] { Body(pauses); }, &started);
+  thread_ = std::move(started);
   if (!status.ok()) {
     stop_.reset();
   }
@@ -60,8 +68,42 @@ void TransferEngine::StopRunning() {
   }
 }
 
+bool TransferEngine::IsStarted() {
+  if (OnTransferThread()) {
+    return true;
+  }
+  const std::lock_guard lock(mutex_);
+  return thread_ != nullptr;
+}
+
 bool TransferEngine::OnTransferThread() const {
   return transfer_thread_id_ == platform::CurrentThreadId();
+}
+
+std::uint64_t TransferEngine::ImageSize() const {
+  const settings::ScanMode scan_mode = settings_.timing.Settings().scan_mode();
+  return transfer::ImageSize(settings_.format.code(), scan_mode.width, scan_mode.height);
+}
+
+Status TransferEngine::TakeSnapshot(std::span<std::uint8_t> buffer, std::uint32_t timeout_ms,
+                                    TakenFrame* taken) {
+  const std::shared_ptr<CSnapShotCtrl> controller = parts_.snapshot.Controller(ImageSize());
+  if (OnTransferThread()) {
+    return controller->TakeStored(buffer, taken);
+  }
+  std::shared_ptr<const platform::Thread> thread;
+  const Status running = RequireRunning(&thread);
+  return running.ok() ? controller->Take(buffer, timeout_ms, thread->Ended(), taken) : running;
+}
+
+Status TransferEngine::RequireRunning(std::shared_ptr<const platform::Thread>* thread) {
+  const std::lock_guard lock(mutex_);
+  if (thread_ != nullptr && platform::Wait(thread_->Ended(), 0)) {
+    return error::kAccessDenied;
+  }
+  const Status status = thread_ == nullptr ? StartLocked() : Status();
+  *thread = thread_;
+  return status;
 }
 
 RecoveryPauses TransferEngine::ComputePauses() {
@@ -93,14 +135,11 @@ void TransferEngine::Body(const RecoveryPauses& pauses) {
 }
 
 void TransferEngine::Transfer(const RecoveryPauses& pauses) {
-  const settings::ScanMode scan_mode = settings_.timing.Settings().scan_mode();
   // A camera that does not tell its speed counts as a slow one, whose alignment fits every link.
   device::UsbSpeed speed{};
   static_cast<void>(device::GetUsbSpeed(parts_.channel.device(), &speed));
   const FrameLayout layout =
-      MakeFrameLayout(parts_.identity.frame_header_size(),
-                      ImageSize(settings_.format.code(), scan_mode.width, scan_mode.height), speed,
-                      max_transfer_size_);
+      MakeFrameLayout(parts_.identity.frame_header_size(), ImageSize(), speed, max_transfer_size_);
   TransferRun(parts_, layout, pauses, record_, *stop_).Run();
 }
 

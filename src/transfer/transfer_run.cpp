@@ -160,6 +160,7 @@ void TransferRun::RecordHeader(std::span<const std::uint8_t> data) {
 }
 
 void TransferRun::Deliver(std::uint8_t* image) {
+  parts_.snapshot.Store(frame_number_, {image, layout_.image});
   const settings::ScanMode scan_mode = parts_.timing.Settings().scan_mode();
   parts_.notifier.NotifyTransferEnd({.number = frame_number_,
                                      .width = scan_mode.width,

@@ -19,6 +19,7 @@
 #include "transfer/frame_ring.hpp"
 #include "transfer/notifier.hpp"
 #include "transfer/read_pipeline.hpp"
+#include "transfer/snapshot.hpp"
 #include "transfer/trigger_waits.hpp"
 #include "transfer/triggers.hpp"
 
@@ -32,6 +33,7 @@ struct TransferParts {
   const settings::Mirror& mirror;
   const TimeOuts& time_outs;
   Triggers& triggers;
+  RawSnapshot& snapshot;
   Notifier& notifier;
 };
 

@@ -30,7 +30,8 @@ TEST_F(OpenTest, ReadsIdentityAndSettingsInOrder) {
     }
   }
   EXPECT_THAT(Wire(*twin), ElementsAre("C0 11 0000 0000 +64", "C0 80 0068 0000 +8",
-                                       "C0 80 00BF 0000 +2",  // mirror register 63
+                                       "C0 23 0000 0000 +64",  // white-balance defaults
+                                       "C0 80 00BF 0000 +2",   // mirror register 63
                                        "C0 12 0000 0000 +64", "C0 13 0000 0000 +6"));
   constexpr std::array<DWORD, 4> kDefaults = {INFINITE, INFINITE, 5000, 5000};
   for (DWORD index = 0; index < 4; ++index) {

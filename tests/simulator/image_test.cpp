@@ -143,38 +143,6 @@ TEST(TwinImage, GainFollowsTheModelsCurve) {
   }
 }
 
-TEST(TwinImage, InCameraFunctionsActWhereTheModelHasThem) {
-  CameraConfig config = PlainCamera(0x0209);  // white balance, clamp, gamma, binning sum
-  config.scene = UniformPicture(Display(40), Display(40), Display(40));
-  config.illuminant = {0.5, 1.0, 2.0};
-  TwinRig rig(config);
-  ASSERT_TRUE(rig.SetScan(64, 48, 0, 0, 0x8000).ok());
-  const auto corners = [&] {
-    const Bytes p = rig.Picture();
-    return std::array<int, 3>{p[0], p[1], p[65]};
-  };
-  const int grey = Level(40);
-  EXPECT_THAT(corners(), ElementsAre(grey, grey, grey));
-  const Bytes defaults = rig.Block(0x23, 64);
-  EXPECT_EQ(LoadLe16(defaults, 2), 256);
-  EXPECT_EQ(LoadLe16(defaults, 4), 128);
-  EXPECT_EQ(LoadLe16(defaults, 8), 64);
-  rig.SetRegister(68, 0);
-  EXPECT_THAT(corners(), ElementsAre(::testing::AllOf(::testing::Ge(20), ::testing::Le(22)), grey,
-                                     ::testing::AllOf(::testing::Ge(78), ::testing::Le(80))));
-  rig.SetRegister(68, 1);
-  rig.SetRegister(21, 16 * 31);
-  EXPECT_GT(corners()[1], grey + 10);
-  rig.SetRegister(21, 16);
-  rig.SetRegister(77, 63);
-  EXPECT_GT(corners()[1], 2 * grey);
-  rig.SetRegister(77, 0);
-  rig.SetRegister(46, 1);
-  rig.SetRegister(33, 0x0101);
-  ASSERT_TRUE(rig.SetScan(64, 48, 0, 0, 0x8000).ok());
-  EXPECT_NEAR(corners()[1], 4 * (grey - 1) + 1, 4);
-}
-
 TEST(TwinImage, TheFilterPatternFollowsOffsetMirrorAndSkipping) {
   // Which array the frame shows, from what its first four pixels see of a red scene with some
   // blue.
@@ -296,25 +264,6 @@ TEST(TwinImage, NoiseIsThatOfPhotonsAndOfReading) {
     const auto [mean, noise] = deviation();
     EXPECT_NEAR(noise / expected(mean), 1, 0.03) << exposure;
   }
-}
-
-TEST(TwinImage, DefectsShowUntilTheirPositionsAreCorrected) {
-  CameraConfig config = UniformCamera(100, 100, 100);
-  config.defect_pixels = 5;
-  TwinRig rig(config);
-  const Bytes picture = rig.Picture();
-  std::vector<std::uint16_t> positions;
-  for (std::size_t i = 0; i < picture.size(); ++i) {
-    if (std::abs(picture[i] - Level(100)) <= 2) continue;
-    positions.push_back(static_cast<std::uint16_t>(i % 1280));
-    positions.push_back(static_cast<std::uint16_t>(i / 1280));
-  }
-  ASSERT_EQ(positions.size(), 10u);
-  for (std::uint16_t i = 0; i < positions.size(); ++i) {
-    ASSERT_TRUE(rig.Out(0x80, i, 129, TwinRig::Word(positions[i])).ok());
-  }
-  rig.SetRegister(78, 1);
-  for (const std::uint8_t value : rig.Picture()) ASSERT_NEAR(value, Level(100), 2);
 }
 
 TEST(TwinScene, ShowsTheChartAndMovesItsParts) {
