@@ -153,6 +153,27 @@ VEXA_API void SetLastError(DWORD code);
 #define VEXA_INTERP_CELL_CENTRED 5 /**< Bilinear at cell centres; half a pixel right and down. */
 /**@}*/
 
+/** @name Gamma channels and modes of Vexa_SetGammaModeEx() */
+/**@{*/
+#define VEXA_GAMMA_CHANNEL_Y 0    /**< 8-bit images, and the luminance of BGR images. */
+#define VEXA_GAMMA_CHANNEL_R 1    /**< Red samples of raw frames. */
+#define VEXA_GAMMA_CHANNEL_GR 2   /**< Green samples in rows with red. */
+#define VEXA_GAMMA_CHANNEL_GB 3   /**< Green samples in rows with blue. */
+#define VEXA_GAMMA_CHANNEL_B 4    /**< Blue samples. */
+#define VEXA_GAMMA_MODE_OFF 0     /**< Every level stays. */
+#define VEXA_GAMMA_MODE_CURVE 1   /**< A curve from gamma, brightness and contrast. */
+#define VEXA_GAMMA_MODE_REVERSE 2 /**< The curve read from its end: a negative. */
+#define VEXA_GAMMA_MODE_TABLE 255 /**< The caller's table. */
+/**@}*/
+
+/** @name Modes of Vexa_SetColorMatrix() and Vexa_SetHueSaturationMode() */
+/**@{*/
+#define VEXA_COLOR_MATRIX_OFF 0    /**< The identity. */
+#define VEXA_COLOR_MATRIX_USER 255 /**< The caller's matrix. */
+#define VEXA_HUE_SATURATION_OFF 0
+#define VEXA_HUE_SATURATION_ON 1
+/**@}*/
+
 /** @name Time-outs of Vexa_SetTimeOut() */
 /**@{*/
 #define VEXA_TIMEOUT_ST2EE 0 /**< Software trigger to the first transfer of the frame. */
@@ -259,6 +280,14 @@ VEXA_API void SetLastError(DWORD code);
 #define VEXA_ROTATE_COUNTERCLOCKWISE 5 /**< (y, W - 1 - x); H x W. */
 #define VEXA_TRANSPOSE_ANTIDIAGONAL 6  /**< (H - 1 - y, W - 1 - x); H x W. */
 #define VEXA_TRANSPOSE 7               /**< (y, x); H x W. */
+/**@}*/
+
+/** @name Modes of Vexa_NoiseReduction() */
+/**@{*/
+#define VEXA_NOISE_REDUCTION_OFF 0u        /**< Nothing happens. */
+#define VEXA_NOISE_REDUCTION_IMPULSE 1u    /**< Bright impulses are taken down. */
+#define VEXA_NOISE_REDUCTION_DARK_FRAME 2u /**< The stored dark frame is subtracted. */
+#define VEXA_NOISE_REDUCTION_STORE_DARK_FRAME 0x80000000u /**< The frame is stored as such. */
 /**@}*/
 
 /** @name Quarter turns after the mirrors of Vexa_MirrorRotation() */
@@ -528,6 +557,86 @@ VEXA_API BOOL VEXA_CALL Vexa_SetMirrorMode(HANDLE camera, BYTE mode);
 VEXA_API BOOL VEXA_CALL Vexa_GetMirrorMode(HANDLE camera, BYTE* mode);
 /**@}*/
 
+/** @defgroup memory Camera memory and user ID
+ *
+ * Memory travels in requests of up to 4096 bytes. A request that fails ends the call with its code;
+ * what came before it has taken place. A request of which the driver reports 0 bytes fails with 31
+ * (ERROR_GEN_FAILURE). The user memory and the user ID stay in the camera when it is switched off.
+ */
+/**@{*/
+
+/**
+ * Reads the camera's RAM, whose meaning is the camera's.
+ * @param camera           the camera.
+ * @param first            first address. Below 0x4000, and for 0xE600 alone, another request is
+ *                         used than above.
+ * @param last             last address; below `first` reads nothing and succeeds. So do the
+ *                         addresses 0 to 0xFFFF together, since lengths have 16 bits.
+ * @param[out] buffer      last - first + 1 bytes.
+ * @param[out] transferred bytes read; untouched on failure; may be null.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ReadRAM(HANDLE camera, WORD first, WORD last, BYTE* buffer,
+                                     DWORD* transferred);
+/** Writes the camera's RAM. @param camera,first,last as Vexa_ReadRAM(). @param buffer
+ * last - first + 1 bytes. @param[out] transferred bytes written; untouched on failure; may be null.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_WriteRAM(HANDLE camera, WORD first, WORD last, BYTE* buffer,
+                                      DWORD* transferred);
+
+/** Reads from the 1024 bytes that the camera keeps for the application. @param camera the camera.
+ * @param[out] buffer `length` bytes. @param offset first byte. @param length bytes;
+ * offset + length above 1024 gives 87. */
+VEXA_API BOOL VEXA_CALL Vexa_ReadUserMemory(HANDLE camera, BYTE* buffer, WORD offset, WORD length);
+/** Writes to the 1024 bytes that the camera keeps for the application. @param camera the camera.
+ * @param buffer `length` bytes. @param offset first byte. @param length bytes; offset + length
+ * above 1024 gives 87. */
+VEXA_API BOOL VEXA_CALL Vexa_WriteUserMemory(HANDLE camera, BYTE* buffer, WORD offset, WORD length);
+
+/**
+ * Reads the camera's user ID: a number and a text.
+ * @param camera       the camera.
+ * @param[out] user_id the number; untouched when the camera does not answer; may be null.
+ * @param[out] buffer  receives the text, UTF-16, with zeros up to the buffer's end. A text that was
+ *                     written as UTF-16 and is too long is cut to leave a terminating zero. One
+ *                     that was written in the ANSI code page is converted, with malformed bytes
+ *                     replaced. No text, or a record that makes no sense, gives zeros.
+ * @param size         size of the buffer in bytes; of a half character nothing is used. 0 reads the
+ *                     number alone. A converted text that leaves no room for a zero character
+ *                     behind it, the one that was stored with it included, gives 122
+ *                     (ERROR_INSUFFICIENT_BUFFER): 502 bytes hold every text.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ReadCameraUserIDW(HANDLE camera, DWORD* user_id, WCHAR* buffer,
+                                               DWORD size);
+/**
+ * Reads the camera's user ID with its text in the ANSI code page (UTF-8 where there are no code
+ * pages).
+ * @param camera       the camera.
+ * @param[out] user_id as Vexa_ReadCameraUserIDW().
+ * @param[out] buffer  as Vexa_ReadCameraUserIDW(), with the forms exchanged.
+ * @param size         size of the buffer in bytes. A converted text that does not fit gives 122;
+ * one that was stored without a zero and fills the buffer has none. 376 bytes hold every text and a
+ * zero.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ReadCameraUserIDA(HANDLE camera, DWORD* user_id, CHAR* buffer,
+                                               DWORD size);
+/**
+ * Writes the camera's user ID.
+ * @param camera  the camera.
+ * @param user_id any number.
+ * @param text    UTF-16; may be null for no text.
+ * @param size    size of the text's buffer in bytes; of a half character nothing is used. The text
+ *                ends at its first zero character, which is stored with it, or with the buffer. Of
+ *                more than 250 bytes the first 248 are stored.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_WriteCameraUserIDW(HANDLE camera, DWORD user_id, const WCHAR* text,
+                                                DWORD size);
+/** Writes the camera's user ID with a text in the ANSI code page (UTF-8 where there are no code
+ * pages). @param camera,user_id,size as Vexa_WriteCameraUserIDW(). @param text stored as it is; of
+ * more than 250 bytes the first 249. */
+VEXA_API BOOL VEXA_CALL Vexa_WriteCameraUserIDA(HANDLE camera, DWORD user_id, const CHAR* text,
+                                                DWORD size);
+/**@}*/
+
 /** @defgroup timing Timing and geometry */
 /**@{*/
 
@@ -775,6 +884,86 @@ VEXA_API BOOL VEXA_CALL Vexa_SetDigitalGain(HANDLE camera, WORD gain);
 VEXA_API BOOL VEXA_CALL Vexa_GetDigitalGain(HANDLE camera, WORD* gain);
 /**@}*/
 
+/** @defgroup level Automatic level control
+ *
+ * Keeps the brightness of the image at a target level, by exposure (AE) and analog gain (AGC)
+ * within limits. Two loops exist. The library's makes one step with every Vexa_ALC(); the camera's
+ * own runs by itself on models with function 25 (gain) or 26 (exposure). Mode, target and limits
+ * are for both: where the model has the function, the library also writes them to the camera's
+ * registers. Vexa_Open() and Vexa_CameraSetting() set mode 0, target 128, exposure 1 clock to one
+ * full frame and the whole gain range, then read target and limits from such a camera.
+ *
+ * No range is checked. An exposure of 0 clocks stands for one full frame
+ * (Vexa_GetMaxShortExposureClock()) also in the limits. Setters other than Vexa_SetALCMode() keep
+ * the value in the library also when writing it to the camera fails. Getters give the camera's
+ * value where the model has it; when reading it fails they fail and give the library's. Functions
+ * of this group may run on different threads. */
+/**@{*/
+
+/** @name Change report of Vexa_ALC() */
+/**@{*/
+#define VEXA_ALC_EXPOSURE_CHANGED 1u /**< The exposure has changed. */
+#define VEXA_ALC_GAIN_CHANGED 2u     /**< The gain has changed. */
+/**@}*/
+
+/**
+ * Sets the modes of both loops.
+ * @param camera the camera.
+ * @param mode   low 8 bits count. Bits 0-3, the library's loop: 0 off; 1 exposure and gain, the
+ * gain only where the exposure is at its maximum; 2 exposure; 3 gain; 4 to 6 as 1 to 3, but the
+ * mode becomes 0 with the first step that changes nothing; 7 to 15 as 3 without bringing the gain
+ * into its limits first. Bits 4-7, the camera's loop (its own modes). 87, nothing changes: both
+ * loops at once, or the camera's on a model without functions 25 and 26. The library's mode follows
+ * also when the camera fails to take its own.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetALCMode(HANDLE camera, DWORD mode);
+/** Reads the modes of both loops. @param camera the camera. @param[out] mode as Vexa_SetALCMode().
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetALCMode(HANDLE camera, BYTE* mode);
+/** Sets the target level. @param camera the camera. @param level brightness on the scale of the
+ * levels that Vexa_ALC() is given, low 16 bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetALCTargetLevel(HANDLE camera, DWORD level);
+/** Reads the target level. @param camera the camera. @param[out] level brightness. */
+VEXA_API BOOL VEXA_CALL Vexa_GetALCTargetLevel(HANDLE camera, WORD* level);
+/** Sets the upper limit of the gain. @param camera the camera. @param gain setting value, low 16
+ * bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetAGCMaxGain(HANDLE camera, DWORD gain);
+/** Reads the upper limit of the gain. @param camera the camera. @param[out] gain setting value. */
+VEXA_API BOOL VEXA_CALL Vexa_GetAGCMaxGain(HANDLE camera, WORD* gain);
+/** Sets the lower limit of the gain. @param camera the camera. @param gain setting value, low 16
+ * bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetAGCMinGain(HANDLE camera, DWORD gain);
+/** Reads the lower limit of the gain. @param camera the camera. @param[out] gain setting value. */
+VEXA_API BOOL VEXA_CALL Vexa_GetAGCMinGain(HANDLE camera, WORD* gain);
+/** Sets the upper limit of the exposure. @param camera the camera. @param exposure_clock clocks; 0
+ * means one full frame. */
+VEXA_API BOOL VEXA_CALL Vexa_SetAEMaxExposureClock(HANDLE camera, DWORD exposure_clock);
+/** Reads the upper limit of the exposure. @param camera the camera. @param[out] exposure_clock
+ * clocks. */
+VEXA_API BOOL VEXA_CALL Vexa_GetAEMaxExposureClock(HANDLE camera, DWORD* exposure_clock);
+/** Sets the lower limit of the exposure. @param camera the camera. @param exposure_clock clocks; 0
+ * means one full frame. */
+VEXA_API BOOL VEXA_CALL Vexa_SetAEMinExposureClock(HANDLE camera, DWORD exposure_clock);
+/** Reads the lower limit of the exposure. @param camera the camera. @param[out] exposure_clock
+ * clocks. */
+VEXA_API BOOL VEXA_CALL Vexa_GetAEMinExposureClock(HANDLE camera, DWORD* exposure_clock);
+
+/**
+ * One step of the library's loop: brings gain and exposure into their limits or, when they are
+ * there, closer to the target, and writes both to the camera in one request.
+ *
+ * Nothing changes while the level is within 5 of the target, or within 10 when the step before
+ * changed nothing. One step at most doubles the exposure, or amplifies the present gain's picture
+ * twofold. Best called with the level of a frame that was exposed after the step before.
+ * @param camera       the camera; in mode 0 nothing is sent.
+ * @param level        measured brightness of a frame, low 16 bits count.
+ * @param[out] changed VEXA_ALC_ bits; 0 when nothing changed. Also set when writing to the camera
+ *                     fails; the loop then goes on from the values that it tried to write.
+ * May be called from a callback.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ALC(HANDLE camera, DWORD level, DWORD* changed);
+/**@}*/
+
 /** @defgroup trigger Trigger and I/O */
 /**@{*/
 
@@ -1011,6 +1200,38 @@ VEXA_API BOOL VEXA_CALL Vexa_SetParamPtr(HANDLE camera, DWORD id, void* pointer)
 VEXA_API BOOL VEXA_CALL Vexa_GetParamPtr(HANDLE camera, DWORD id, void** pointer);
 /**@}*/
 
+/** @defgroup power Processor idle state */
+/**@{*/
+
+/**
+ * Allows or forbids the machine's processors their idle states in the active power scheme. Waking
+ * from an idle state can take longer than a camera's buffer lasts.
+ *
+ * Acts on the whole machine and lasts beyond the program. Windows Vista (version 6.0, as
+ * GetVersionEx() tells it to the program) changes the idle-state policies that the scheme refers
+ * to, later versions the setting "processor idle disable", earlier ones the permission to move to
+ * deeper idle states in the processor power scheme. Elsewhere than on Windows the state is kept in
+ * the process and has no effect.
+ * @param ac_enabled 0 forbids idle states on mains power; any other value allows them (before
+ *                   Windows Vista the lowest bit counts).
+ * @param dc_enabled the same for battery power.
+ * @return 0 with the reason why PowrProf.dll could not be loaded or lacks a function (126, 127); 13
+ *         (ERROR_INVALID_DATA) when an idle-state policy is too short; else the code of the power
+ *         function that failed. What was changed before the failure stays.
+ *
+ * Calls of several threads or processes are not coordinated.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetProcessorIdleState(BOOL ac_enabled, BOOL dc_enabled);
+
+/**
+ * Reads whether the machine's processors may use their idle states.
+ * @param[out] ac_enabled 1 or 0 for mains power; may be null. Unchanged on failure.
+ * @param[out] dc_enabled the same for battery power.
+ * @return as Vexa_SetProcessorIdleState().
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetProcessorIdleState(BOOL* ac_enabled, BOOL* dc_enabled);
+/**@}*/
+
 /** @defgroup imaging Image processing */
 /**@{*/
 
@@ -1040,6 +1261,174 @@ VEXA_API BOOL VEXA_CALL Vexa_ColorInterpolation(DWORD width, DWORD height, WORD 
                                                 DWORD output_format);
 
 /**
+ * Reduces a raw or monochrome frame to 8 bits per pixel.
+ *
+ * @param width           pixels per row.
+ * @param height          rows.
+ * @param transfer_format VEXA_TRANSFER_ code of the frame. Samples of 10, 12, 14 and 16 bits lose
+ *                        their lowest 2, 4, 6 and 8 bits; of words with more significant bits than
+ *                        the format has, the low byte of what remains counts. Every other code,
+ *                        several bits at once too, is taken for 8 bits: a copy.
+ * @param source          width * height bytes or words.
+ * @param destination     width * height bytes; must not overlap the source.
+ * @return 0 with 87 for VEXA_TRANSFER_BGR24, _BGR30, _YUV411, _YUV422 and _YUV444, and for null
+ *         pointers.
+ *
+ * Starts no thread, keeps no state, allocates nothing.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ConvTo8BitsImage(DWORD width, DWORD height, DWORD transfer_format,
+                                              const BYTE* source, BYTE* destination);
+
+/**
+ * Turns a frame of any transfer format into an image, without interpolating colours.
+ *
+ * Raw and monochrome samples become 8 bits as in Vexa_ConvTo8BitsImage(), for BGR images in all
+ * three channels. VEXA_TRANSFER_BGR30 gives the high 8 bits of its fields. YUV groups hold, in this
+ * order, U Y0 Y1 V Y2 Y3 (4:1:1, four pixels), U Y0 V Y1 (4:2:2, two pixels) and U Y V (4:4:4, one
+ * pixel), U and V offset by 128; with u = U - 128 and v = V - 128
+ *   B = Y + 1.7718 u,  G = Y - 0.3441 u - 0.7139 v,  R = Y + 1.402 v
+ * (the full-range weights of ITU-R BT.601), each product truncated toward zero and each sum limited
+ * to 0..255.
+ *
+ * @param width           pixels per row; for the YUV formats a multiple of 4.
+ * @param height          rows.
+ * @param transfer_format VEXA_TRANSFER_ code of the frame. Every other code, several bits at once
+ *                        too, writes nothing and succeeds.
+ * @param source          the frame: rows top first, no padding.
+ * @param output_format   VEXA_OUTPUT_MONO8 (colour frames give their green or Y), VEXA_OUTPUT_BGR24
+ *                        or VEXA_OUTPUT_BGR32.
+ * @param destination     width * height pixels; must not overlap the source. The fourth byte of
+ *                        BGR32 keeps its value.
+ * @return 0 with 87 for an unknown output format, a YUV frame whose width is not a multiple of 4
+ *         (nothing is written: its rows would end inside a group), and for null pointers.
+ *
+ * Starts no thread, keeps no state, allocates nothing.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ConvYUVOrBGRToBGRImage(DWORD width, DWORD height,
+                                                    DWORD transfer_format, const BYTE* source,
+                                                    DWORD output_format, BYTE* destination);
+
+/**
+ * Sets one of the camera object's tone curves (the camera itself does not know of them). The curve
+ * is, with v = i + brightness and c = contrast up to 127, 0 for v <= c, 255 for v >= 255 - c, and
+ * between them
+ *   255 * ((v - c) / (255 - 2 c)) ^ (100 / gamma), rounded.
+ *
+ * @param camera     the camera.
+ * @param channel    VEXA_GAMMA_CHANNEL_ code.
+ * @param mode       VEXA_GAMMA_MODE_ code. Modes _OFF and _TABLE store gamma 100, brightness 0 and
+ *                   contrast 0 whatever is passed.
+ * @param gamma      hundredths, from 1; above 100 lifts the mid-tones.
+ * @param brightness levels, -32768 to 32767.
+ * @param contrast   levels cut off at each end; above 127 works as 127 and is read back as passed.
+ * @param table      256 bytes, read in mode VEXA_GAMMA_MODE_TABLE only.
+ * @return 0 with 87 for an unknown channel or mode, gamma 0 in the two curve modes, and a null
+ * table in VEXA_GAMMA_MODE_TABLE; the channel stays as it was.
+ *
+ * Any thread may call it; a frame that is being corrected meanwhile is finished first.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetGammaModeEx(HANDLE camera, BYTE channel, BYTE mode, WORD gamma,
+                                            short brightness, BYTE contrast, const BYTE* table);
+
+/**
+ * Reads a tone curve.
+ * @param camera          the camera.
+ * @param channel         VEXA_GAMMA_CHANNEL_ code; others give 87.
+ * @param[out] mode       as set, 0 at first. Each pointer may be null.
+ * @param[out] gamma      as stored, 100 at first.
+ * @param[out] brightness as stored.
+ * @param[out] contrast   as stored.
+ * @param[out] table      the 256 entries.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetGammaModeEx(HANDLE camera, BYTE channel, BYTE* mode, WORD* gamma,
+                                            short* brightness, BYTE* contrast, BYTE* table);
+
+/**
+ * Applies the tone curves R, GR, GB and B to an 8-bit raw frame, in place.
+ *
+ * @param camera      the camera whose curves are used.
+ * @param width       pixels per row; the last column of an odd width stays.
+ * @param height      rows; the last row of an odd height stays.
+ * @param color_array VEXA_COLOR_ARRAY_ code. A monochrome frame stays as it is; codes outside 1 to
+ * 5 are taken for VEXA_COLOR_ARRAY_RGGB.
+ * @param image       width * height bytes.
+ * @return 0 with 87 for a null image. Nothing is done while all four channels are off.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_RawColorGamma(HANDLE camera, DWORD width, DWORD height,
+                                           WORD color_array, BYTE* image);
+
+/**
+ * Applies the tone curve Y to an image, in place. In BGR images it moves the luminance
+ * 0.2989 R + 0.5866 G + 0.1145 B of each pixel and with it the three channels by the same number of
+ * levels, limited to 0..255: the hue stays.
+ *
+ * @param camera        the camera whose curve is used.
+ * @param width         pixels per row.
+ * @param height        rows.
+ * @param output_format VEXA_OUTPUT_MONO8, VEXA_OUTPUT_BGR24 or VEXA_OUTPUT_BGR32 (whose fourth byte
+ *                      stays).
+ * @param image         width * height pixels.
+ * @return 0 with 87 for another format and for a null image. While the channel is off nothing is
+ *         done, and any format succeeds.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_BGRGamma(HANDLE camera, DWORD width, DWORD height, DWORD output_format,
+                                      BYTE* image);
+
+/**
+ * Sets the camera object's colour matrix, which Vexa_HueSaturationColorMatrix() applies before hue
+ * and saturation.
+ *
+ * @param camera the camera.
+ * @param mode   VEXA_COLOR_MATRIX_OFF (the matrix becomes the identity) or VEXA_COLOR_MATRIX_USER.
+ * @param matrix 12 values in hundredths, read in mode VEXA_COLOR_MATRIX_USER only: for output red,
+ *               then green, then blue the factors of input red, green and blue (100 is 1.0) and an
+ *               offset (100 is one level).
+ * @return 0 for another mode, with the last error left as it is, and with 87 for a null matrix in
+ *         VEXA_COLOR_MATRIX_USER; nothing is changed then.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetColorMatrix(HANDLE camera, BYTE mode, const short* matrix);
+
+/** The colour matrix. @param camera the camera. @param[out] mode as set; may be null.
+ * @param[out] matrix 12 values, see Vexa_SetColorMatrix(); may be null. */
+VEXA_API BOOL VEXA_CALL Vexa_GetColorMatrix(HANDLE camera, BYTE* mode, short* matrix);
+
+/**
+ * Sets the camera object's turn of hues and scale of saturation. Luminance and greys stay.
+ *
+ * @param camera     the camera.
+ * @param mode       VEXA_HUE_SATURATION_OFF (stores hue 0 and saturation 100) or
+ *                   VEXA_HUE_SATURATION_ON.
+ * @param hue        tenths of a degree, -32768 to 32767.
+ * @param saturation hundredths: 0 makes grey, 100 changes nothing.
+ * @return 0 for another mode; nothing is changed, the last error neither.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetHueSaturationMode(HANDLE camera, BYTE mode, short hue,
+                                                  WORD saturation);
+
+/** Hue and saturation. @param camera the camera. @param[out] mode as set; each pointer may be null.
+ * @param[out] hue tenths of a degree. @param[out] saturation hundredths. */
+VEXA_API BOOL VEXA_CALL Vexa_GetHueSaturationMode(HANDLE camera, BYTE* mode, short* hue,
+                                                  WORD* saturation);
+
+/**
+ * Corrects the colours of a BGR image in place, by the product of the hue and saturation matrix and
+ * the colour matrix. Each of the nine products is truncated toward zero, that of red together with
+ * the offset; sums are limited to 0..255.
+ *
+ * @param camera        the camera whose matrices are used.
+ * @param width         pixels per row.
+ * @param height        rows.
+ * @param output_format VEXA_OUTPUT_BGR24 or VEXA_OUTPUT_BGR32 (whose fourth byte stays); with other
+ *                      formats nothing is done, successfully.
+ * @param image         width * height pixels.
+ * @return 0 with 87 for a null image. Nothing is done while both modes are off.
+ *
+ * Any thread may call it; changed settings wait until an image is finished.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_HueSaturationColorMatrix(HANDLE camera, DWORD width, DWORD height,
+                                                      DWORD output_format, BYTE* image);
+
+/**
  * Mirrors, turns or transposes an 8-bit frame, raw or monochrome, in its buffer, and brings its
  * size and colour array up to date, so that Vexa_ColorInterpolation() takes the right phase. The
  * camera's own mirroring is Vexa_SetMirrorMode().
@@ -1063,6 +1452,167 @@ VEXA_API BOOL VEXA_CALL Vexa_ColorInterpolation(DWORD width, DWORD height, WORD 
  */
 VEXA_API BOOL VEXA_CALL Vexa_MirrorRotation(BYTE operation, BYTE rotation, DWORD* width,
                                             DWORD* height, WORD* color_array, BYTE* frame);
+
+/**
+ * Sets the camera's sharpness settings, which Vexa_Sharpness() goes by from its next call on.
+ * @param camera the camera; nothing is sent to it.
+ * @param mode   0 off, every other value on.
+ * @param gain   hundredths: 100 moves a pixel as far again from its neighbours' mean.
+ * @param coring levels: pixels no farther from the mean than this stay.
+ * Waits while an image of this camera is being sharpened.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_SetSharpnessMode(HANDLE camera, BYTE mode, WORD gain, BYTE coring);
+/** The sharpness settings; 0, 0 and 0 until set. @param camera the camera. @param[out]
+ * mode,gain,coring as Vexa_SetSharpnessMode(); each may be null. */
+VEXA_API BOOL VEXA_CALL Vexa_GetSharpnessMode(HANDLE camera, BYTE* mode, WORD* gain, BYTE* coring);
+
+/**
+ * Sharpens an image in its buffer by the camera's sharpness settings.
+ *
+ * A pixel farther than `coring` levels from the mean m of its eight neighbours in the unsharpened
+ * image (their sum plus 4, divided by 8) moves away from m by gain / 100 for each level beyond
+ * `coring`, rounded, and stays in 0 to 255. In colour images luminance decides (0.2989 R + 0.5866 G
+ * + 0.1145 B, the red and the blue part each rounded, green what remains of a grey pixel's level),
+ * and blue, green and red move by the same step.
+ * @param camera        the camera.
+ * @param width         pixels per row.
+ * @param height        rows. The outermost rows and columns do not change; an image below 3 x 3
+ *                      does not change at all, with success.
+ * @param output_format VEXA_OUTPUT_MONO8, VEXA_OUTPUT_BGR24 or VEXA_OUTPUT_BGR32 (whose fourth byte
+ *                      stays).
+ * @param[in,out] image width * height pixels.
+ * @return 1, without looking at the other arguments, while the mode is 0. 0 with 87 for another
+ *         format, for a null pointer and for an image larger than the address space; 0 with 8 when
+ *         there is no memory for 8 bytes per column. The image is then unchanged.
+ *
+ * Calls with one camera run one after the other. Starts no thread.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_Sharpness(HANDLE camera, DWORD width, DWORD height,
+                                       DWORD output_format, BYTE* image);
+
+/**
+ * Reduces the noise of an 8-bit raw frame in its buffer.
+ *
+ * VEXA_NOISE_REDUCTION_IMPULSE, for VEXA_COLOR_ARRAY_MONO, _RGGB and _BGGR: every sample becomes
+ * the smaller of itself and the median of itself and its neighbours in the frame as it came. Those
+ * are the four diagonal ones for monochrome and green samples, for red and blue ones the four of
+ * the same colour at distance 2 in row and column; what lies outside the frame is left out. On the
+ * border of a monochrome frame they are the ones to the left, right, above and below that there
+ * are. The median of an even number is the mean of the middle two, rounded down.
+ *
+ * VEXA_NOISE_REDUCTION_STORE_DARK_FRAME, for any colour array: keeps a copy of a frame taken in the
+ * dark until the next one is stored or the camera is closed. From every sample the smallest one in
+ * the same place of the 2 x 2 cells is taken away, so that what a pixel has more than the darkest
+ * one of its colour remains. An odd last column or row does not count for the smallest ones, and
+ * its samples stay at 0 or above; a frame without a complete cell is kept as it is.
+ *
+ * VEXA_NOISE_REDUCTION_DARK_FRAME: subtracts the stored frame (results below 0 become 0), then, for
+ * VEXA_COLOR_ARRAY_MONO and _RGGB, repairs samples of 253 and more that have fallen below: such a
+ * sample becomes the larger of itself and the median of itself and its four neighbours, chosen as
+ * for impulses, in the frame as it is by then. Rows follow each other from the top, samples from
+ * the left. A border of 1 (monochrome) or 2 (RGGB) is not repaired.
+ *
+ * @param camera      the camera, whose dark frame is used; nothing is sent to it.
+ * @param mode        VEXA_NOISE_REDUCTION_ mode.
+ * @param width       pixels per row.
+ * @param height      rows; frames of one column or row are fine.
+ * @param color_array VEXA_COLOR_ARRAY_ code, low 16 bits count.
+ * @param[in,out] frame width * height bytes; unchanged when stored as the dark frame.
+ * @return 0 with 87 for other modes and colour arrays than those above, when the stored dark frame
+ *         has another size or colour array or there is none, for a null pointer, and for a frame
+ *         larger than the address space; 0 with 8 when there is no memory for three rows or, to
+ *         store one, for the dark frame (then none is stored any more). The frame is then
+ *         unchanged, with one exception: colour arrays that cannot be repaired give 87 although
+ *         the dark frame has been subtracted.
+ *
+ * Calls with the same camera handle must not overlap. Starts no thread.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_NoiseReduction(HANDLE camera, DWORD mode, DWORD width, DWORD height,
+                                            DWORD color_array, BYTE* frame);
+/**@}*/
+
+/** @defgroup measuring Measurements on raw frames */
+/**@{*/
+
+/**
+ * Mean values of a part of a raw frame, for each position of the 2 x 2 filter pattern.
+ *
+ * @param width,height    of the frame, pixels and rows.
+ * @param color_array     VEXA_COLOR_ARRAY_ code.
+ * @param transfer_format VEXA_TRANSFER_8BIT: bytes; _10BIT to _16BIT: 16-bit words. The codes with
+ *                        _B and the colour formats are not taken.
+ * @param frame           width * height samples.
+ * @param x,y             first column and row of the part.
+ * @param region_width,region_height of the part, cut at the frame's edges.
+ * @param[out] average    four values in the samples' own units: the mean of the pixels at even
+ *                        columns of even rows, odd columns of even rows, even columns of odd rows,
+ *                        odd columns of odd rows, counted from the frame's first pixel wherever the
+ *                        part begins. 0 where the part has no such pixel. Of a monochrome frame the
+ *                        mean of all pixels and three times 0.
+ *
+ * Which colours these are:
+ *
+ *     color_array   RGGB, MONO   GRBG   GBRG   BGGR
+ *     red           0            1      2      3
+ *     green         1, 2         0, 3   3, 0   2, 1
+ *     blue          3            2      1      0
+ *
+ * @return 0 with 87 for another colour array or transfer format and for null pointers; the output
+ *         is untouched then. Sums are exact for frames of any size.
+ *
+ * Starts no thread, keeps no state, allocates nothing.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_GetAveragePixelValue(DWORD width, DWORD height, WORD color_array,
+                                                  DWORD transfer_format, const BYTE* frame, DWORD x,
+                                                  DWORD y, DWORD region_width, DWORD region_height,
+                                                  float* average);
+
+/**
+ * White balance on the host, for models without function 24. On those with it, and on monochrome
+ * cameras, the call succeeds and does nothing.
+ *
+ * @param camera the camera.
+ * @param frame  an 8-bit raw frame of the size (Vexa_GetScanMode()) and colour array
+ *               (Vexa_GetColorArray()) that the camera has now; corrected in place.
+ *
+ * In the modes VEXA_WHITE_BALANCE_AUTO and _ONCE the gains of red and blue are first found anew
+ * (the green ones stay), after which _ONCE becomes _MANUAL. The frame's whole 2 x 2 cells count.
+ * With T the mean of the two green positions' means and m the colour's mean, the gain is 128 * T /
+ * m, truncated, at most 65535, or 128 when all samples of the colour are 0. Saturated samples keep
+ * the mean of the corrected colour below T; up to 639 the gain is therefore raised, in steps of 1,
+ * until that mean reaches T. A mean T of 0 gives the gain 0.
+ *
+ * In every mode but VEXA_WHITE_BALANCE_OFF the frame's whole cells are then corrected with the four
+ * gains (Vexa_SetWhiteBalanceGain()); with all of them at 128 nothing is done.
+ *
+ * @return 1; the last error becomes 87 when gains were to be found and the camera's colour array is
+ *         none of the five codes. The gains then stay, and the frame is corrected with them. 0 with
+ *         87 for an invalid handle or a null frame.
+ *
+ * Calls for one camera run one after the other; gains that another thread sets come into force
+ * between frames. Starts no thread, allocates nothing.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_WhiteBalance(HANDLE camera, BYTE* frame);
+
+/**
+ * Finds the brightest pixels of a dark frame and loads their positions into the camera's defect
+ * pixel table, replacing all entries; those without a pixel become 0xFFFF, 0xFFFF. The correction
+ * takes place when Vexa_SetDefectPixelCorrectionMode() has switched it on.
+ *
+ * @param camera       the camera; without function 59 87 and nothing is sent.
+ * @param width,height of the frame, pixels and rows.
+ * @param frame        width * height bytes, taken in the dark and uncorrected.
+ * @param threshold    the least level of a defect pixel, low 16 bits count; above 255 none is
+ * found.
+ *
+ * When more pixels are bright enough than the table has entries, the brightest are taken, among
+ * equally bright ones the first from the top and, in a row, from the left.
+ *
+ * @return the result of the command by which the camera takes the table over. It is sent even when
+ *         an entry could not be written; the rest of the table is then as it was.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_DetectDefectPixel(HANDLE camera, DWORD width, DWORD height,
+                                               const BYTE* frame, DWORD threshold);
 /**@}*/
 
 /** @defgroup drawing Drawing */

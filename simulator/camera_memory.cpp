@@ -70,10 +70,10 @@ Status CameraMemory::Transfer(const ControlRequest& request, std::span<std::uint
   if (memory.empty()) return error::kGeneralFailure;
   if (request.device_to_host()) {
     std::ranges::copy(memory, reply.begin());
-    *returned = request.length;
   } else {
     std::ranges::copy(request.data, memory.begin());
   }
+  *returned = request.length;
   return error::kNone;
 }
 

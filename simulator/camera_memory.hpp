@@ -20,7 +20,7 @@ class CameraMemory {
 
   static bool Serves(std::uint8_t request);
 
-  /// Carries out one request; `*returned` is the number of bytes put into `reply`.
+  /// Carries out one request; `*returned` is the length of its data stage, in either direction.
   Status Transfer(const ControlRequest& request, std::span<std::uint8_t> reply,
                   std::uint32_t* returned);
 

@@ -30,7 +30,7 @@ enum class StreamCommand {
 /// The answer to a vendor request.
 struct Answer {
   Status status = error::kGeneralFailure;  // a stalled control pipe
-  std::uint32_t returned = 0;              // bytes put into the reply
+  std::uint32_t returned = 0;              // bytes that the driver reports
   StreamCommand command = StreamCommand::kNone;
   bool settings_changed = false;
 };

@@ -1,5 +1,7 @@
 #include "simulator/faults.hpp"
 
+#include <limits>
+
 namespace vexa::simulator {
 
 bool RequestMatcher::Matches(const LoggedRequest& entry) const {
@@ -62,6 +64,11 @@ void Faults::DelayControl(const RequestMatcher& matcher, std::uint32_t milliseco
   control_delays_.push_back({matcher, {milliseconds, count}});
 }
 
+void Faults::LimitControl(const RequestMatcher& matcher, std::uint32_t bytes, std::uint32_t count) {
+  const std::lock_guard lock(mutex_);
+  control_limits_.push_back({matcher, {bytes, count}});
+}
+
 Status Faults::TakeReadFailure() {
   const std::lock_guard lock(mutex_);
   return Status(read_failures_.Take());
@@ -92,24 +99,30 @@ std::uint32_t Faults::TakeHeaderShortage() {
   return header_shortages_.Take();
 }
 
-std::uint32_t Faults::TakeMatching(std::vector<ControlOrder>* orders, const LoggedRequest& entry) {
+std::optional<std::uint32_t> Faults::TakeMatching(std::vector<ControlOrder>* orders,
+                                                  const LoggedRequest& entry) {
   for (ControlOrder& candidate : *orders) {
     if (candidate.order.count == 0 || !candidate.matcher.Matches(entry)) continue;
     const std::uint32_t value = candidate.order.Take();
     std::erase_if(*orders, [](const ControlOrder& order) { return order.order.count == 0; });
     return value;
   }
-  return 0;
+  return std::nullopt;
 }
 
 Status Faults::TakeControlFailure(const LoggedRequest& entry) {
   const std::lock_guard lock(mutex_);
-  return Status(TakeMatching(&control_failures_, entry));
+  return Status(TakeMatching(&control_failures_, entry).value_or(0));
 }
 
 std::uint32_t Faults::TakeControlDelay(const LoggedRequest& entry) {
   const std::lock_guard lock(mutex_);
-  return TakeMatching(&control_delays_, entry);
+  return TakeMatching(&control_delays_, entry).value_or(0);
+}
+
+std::uint32_t Faults::TakeControlLimit(const LoggedRequest& entry) {
+  const std::lock_guard lock(mutex_);
+  return TakeMatching(&control_limits_, entry).value_or(std::numeric_limits<std::uint32_t>::max());
 }
 
 }  // namespace vexa::simulator

@@ -41,6 +41,7 @@ class Faults {
   void DropFrames(std::uint32_t count);
   void FailControl(const RequestMatcher& matcher, Status status, std::uint32_t count);
   void DelayControl(const RequestMatcher& matcher, std::uint32_t milliseconds, std::uint32_t count);
+  void LimitControl(const RequestMatcher& matcher, std::uint32_t bytes, std::uint32_t count);
 
   // Each Take... uses up one occurrence; without one it gives success or 0.
   Status TakeReadFailure();
@@ -52,6 +53,8 @@ class Faults {
   std::uint32_t TakeHeaderShortage();
   Status TakeControlFailure(const LoggedRequest& entry);
   std::uint32_t TakeControlDelay(const LoggedRequest& entry);
+  /// The most bytes that a request is to report.
+  std::uint32_t TakeControlLimit(const LoggedRequest& entry);
 
  private:
   struct Order {
@@ -65,7 +68,8 @@ class Faults {
     Order order;
   };
 
-  static std::uint32_t TakeMatching(std::vector<ControlOrder>* orders, const LoggedRequest& entry);
+  static std::optional<std::uint32_t> TakeMatching(std::vector<ControlOrder>* orders,
+                                                   const LoggedRequest& entry);
 
   std::mutex mutex_;
   Order read_failures_;
@@ -77,6 +81,7 @@ class Faults {
   Order dropped_frames_;
   std::vector<ControlOrder> control_failures_;
   std::vector<ControlOrder> control_delays_;
+  std::vector<ControlOrder> control_limits_;
 };
 
 }  // namespace vexa::simulator

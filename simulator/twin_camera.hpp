@@ -73,7 +73,7 @@ class TwinCamera {
   /// While set nothing is sent.
   void Stall(bool stalled) { engine_.SetStalled(stalled); }
 
-  // Faults of the control side. Orders of these two add up; the oldest that matches counts.
+  // Faults of the control side. Orders of these three add up; the oldest that matches counts.
   void FailControl(const RequestMatcher& matcher, std::uint32_t code, std::uint32_t count) {
     faults_.FailControl(matcher, Status(code), count);
   }
@@ -81,6 +81,10 @@ class TwinCamera {
   void DelayControl(const RequestMatcher& matcher, std::uint32_t milliseconds,
                     std::uint32_t count) {
     faults_.DelayControl(matcher, milliseconds, count);
+  }
+  /// Requests that succeed report at most so many bytes.
+  void LimitControl(const RequestMatcher& matcher, std::uint32_t bytes, std::uint32_t count) {
+    faults_.LimitControl(matcher, bytes, count);
   }
   /// Control requests (0x222058) fail with `code` until the given recovery I/O control comes.
   void SetUnanswering(Wakes wakes, std::uint32_t code = 121);

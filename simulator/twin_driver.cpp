@@ -83,6 +83,7 @@ Status TwinCamera::Control(std::uint64_t plugging, ControlCode code,
     if (!IsLive(plugging)) status = error::kDeviceNotConnected;
   }
   if (status.ok()) status = Dispatch(plugging, code, input, output, returned);
+  *returned = std::min(*returned, faults_.TakeControlLimit(entry));
   entry.status = status;
   entry.returned = *returned;
   log_.Append(std::move(entry));

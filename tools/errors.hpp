@@ -13,7 +13,8 @@ enum class ExitCode {
   kFailure = 1,    /**< A call failed, a file could not be written, a capture was interrupted. */
   kUsage = 2,      /**< The command line is wrong or does not fit the camera's settings. */
   kNoCamera = 3,   /**< No camera could be opened. */
-  kIncomplete = 4, /**< Frames were lost, receiving failed, or no frame came in time. */
+  kIncomplete = 4, /**< Frames were lost, receiving failed, no frame came in time, or the
+                        level did not settle. */
 };
 
 /** A failure with its exit code and, in a second line, what the user can do about it. */

@@ -26,6 +26,8 @@ constexpr const char* kMainFooter = R"(Examples:
   vexa capture --frames 100 --exposure-ms 5 --output run/frame-%04d.bmp
   vexa capture --format 12bit --output deep.raw
   vexa convert deep.raw deep.tif --width 1280 --height 964 --format 12bit
+  vexa level --target 100
+  vexa calibrate --output calibrate-%d.bmp
   vexa stats --seconds 30
   vexa set exposure-clock 40000
   vexa settings save camera.ini
@@ -35,7 +37,8 @@ Exit codes:
   1  a call failed, a file could not be written, or a capture was interrupted
   2  the command line is wrong or does not fit the camera's settings
   3  no camera could be opened
-  4  frames were lost, receiving failed, or no frame came in time
+  4  frames were lost, receiving failed, no frame came in time, or the level did
+     not settle
 
 Cameras have indexes from 0, in the system's order, among those that no other
 program uses. Settings stay in the camera when the program ends. Ctrl-C ends a
@@ -71,6 +74,39 @@ Methods: none (grey), mosaic, nearest, bilinear, four-tap, cell-centred.
 Examples:
   vexa convert deep.raw deep.tif --width 1280 --height 964 --format 12bit
   vexa convert a.raw a.bmp --width 1280 --height 964 --color-array rggb)";
+
+constexpr const char* kLevelFooter =
+    R"(Measures the mean brightness of frames (0 to 255, deeper samples scaled down) and
+adjusts exposure and gain until it is near the target. Prints each step: the frame,
+its level, the exposure (0 clocks: one full frame) and the gain that it was taken
+with, and what was changed then. Camera and start values as they are, or as set.
+
+Modes: 1 exposure, then gain; 2 exposure; 3 gain; 4 to 6 the same, ending by itself.
+Limits: one clock to one full frame, and all gain values, where none are given.
+A change takes effect some frames later: --skip leaves that many out.
+
+Examples:
+  vexa level --target 100
+  vexa level --mode 2 --exposure-ms 0.05 --max-exposure-ms 40)";
+
+constexpr const char* kCalibrateFooter =
+    R"(White balance: finds the gains under which the means of red, green and blue agree;
+point the camera at something grey. A camera with white balance of its own keeps
+them in its registers, for all others the host applies them: pass them to
+Vexa_SetWhiteBalanceGain().
+
+Defect pixels: takes a dark frame, loads the camera's table with the pixels that
+reach the threshold, and switches the correction on (mode 1). Cover the lens, or
+rely on the exposure of the dark frame, which is the shortest if not given.
+
+Without --white-balance and --defects both are done as far as the camera has them.
+The first picture is without corrections, the second with what was found. File
+names and methods are those of "vexa capture".
+
+Examples:
+  vexa calibrate
+  vexa calibrate --camera 2 --white-balance --output balance-%d.bmp
+  vexa calibrate --defects --threshold 40 --dark-exposure-ms 20)";
 
 constexpr const char* kStatsFooter = R"(Measured:
   frames/s, MB/s   from the first frame to the last; 1 MB is 10^6 bytes of image
@@ -225,6 +261,54 @@ void AddConvert(CLI::App& app, ConvertOptions& options) {
   app.footer(kConvertFooter);
 }
 
+void AddLevel(CLI::App& app, LevelOptions& options) {
+  AddStreamOptions(app, options.stream);
+  for (const auto& [name, value, low, high, what] :
+       {std::tuple{"--mode", &options.mode, 1u, 6u, "What to adjust, 1 to 6 (default 1)"},
+        std::tuple{"--target", &options.target, 0u, 255u, "Level to reach (default 128)"},
+        std::tuple{"--max-steps", &options.max_steps, 1u, 10'000u, "Steps to try (default 50)"},
+        std::tuple{"--skip", &options.skip, 0u, 1000u, "Frames between steps (default 3)"}}) {
+    app.add_option(name, *value, what)
+        ->type_name("N")
+        ->check(CLI::Range(low, high).description(""));
+  }
+  for (const auto& [name, value, what] :
+       {std::tuple{"--gain", &options.gain, "Gain value to start with"},
+        std::tuple{"--min-gain", &options.min_gain, "Lowest gain value"},
+        std::tuple{"--max-gain", &options.max_gain, "Highest gain value"}}) {
+    app.add_option(name, *value, what)->type_name("N");
+  }
+  for (const auto& [name, value, what] :
+       {std::tuple{"--min-exposure-ms", &options.min_exposure_ms, "Shortest exposure"},
+        std::tuple{"--max-exposure-ms", &options.max_exposure_ms, "Longest exposure"}}) {
+    app.add_option(name, *value, what)
+        ->type_name("X")
+        ->check(NumberIn(1e-6, 3.6e6).description(""));
+  }
+  app.add_flag("--json", options.json, "Print JSON");
+  app.footer(kLevelFooter);
+}
+
+void AddCalibrate(CLI::App& app, CalibrateOptions& options) {
+  AddStreamOptions(app, options.stream);
+  app.add_flag("--white-balance", options.white_balance, "Find the white balance");
+  app.add_flag("--defects", options.defects, "Find the defect pixels");
+  app.add_option("--threshold", options.threshold,
+                 "Least level of a defect pixel in the dark (default 64)")
+      ->type_name("L")
+      ->check(CLI::Range(1u, 255u).description(""));
+  app.add_option("--dark-exposure-ms", options.dark_exposure_ms,
+                 "Exposure time of the dark frame in milliseconds")
+      ->type_name("X")
+      ->check(NumberIn(1e-6, 3.6e6).description(""));
+  app.add_option("-o,--output", options.output, "File names (default calibrate-%d.bmp)")
+      ->type_name("PATTERN");
+  AddMethodOption(app, options);
+  app.add_flag("--overwrite", options.overwrite, "Replace files that exist");
+  app.add_flag("--json", options.json, "Print JSON");
+  app.footer(kCalibrateFooter);
+}
+
 void AddStats(CLI::App& app, StatsOptions& options) {
   AddStreamOptions(app, options.stream);
   app.add_option("-s,--seconds", options.seconds, "How long to stream (default 10)")
@@ -305,6 +389,8 @@ ParsedArguments ParseArguments(const std::vector<std::string>& arguments,
   InfoOptions info;
   CaptureOptions capture;
   ConvertOptions convert;
+  LevelOptions level;
+  CalibrateOptions calibrate;
   StatsOptions stats;
   ParametersOptions parameters;
   GetOptions get;
@@ -317,6 +403,9 @@ ParsedArguments ParseArguments(const std::vector<std::string>& arguments,
   info_command->add_flag("--json", info.json, "Print JSON");
   AddCapture(*app.add_subcommand("capture", "Save frames as image files"), capture);
   AddConvert(*app.add_subcommand("convert", "Turn a frame's bytes into an image file"), convert);
+  AddLevel(*app.add_subcommand("level", "Adjust exposure and gain to a brightness, step by step"),
+           level);
+  AddCalibrate(*app.add_subcommand("calibrate", "Find white balance and defect pixels"), calibrate);
   AddStats(*app.add_subcommand("stats", "Measure the transfer of frames"), stats);
   AddParameters(app, get, set, parameters);
   AddSettings(app, settings);
@@ -327,9 +416,12 @@ ParsedArguments ParseArguments(const std::vector<std::string>& arguments,
     return AnswerOf(app, error);
   }
   const std::pair<const char*, ParsedArguments> commands[] = {
-      {"list", list},       {"info", info},   {"capture", capture},
-      {"convert", convert}, {"stats", stats}, {"parameters", parameters},
-      {"get", get},         {"set", set},     {"settings", settings}};
+      {"list", list},        {"info", info},
+      {"capture", capture},  {"convert", convert},
+      {"level", level},      {"calibrate", calibrate},
+      {"stats", stats},      {"parameters", parameters},
+      {"get", get},          {"set", set},
+      {"settings", settings}};
   const std::string name = app.get_subcommands().front()->get_name();
   return std::find_if(std::begin(commands), std::end(commands),
                       [&](const auto& command) { return command.first == name; })

@@ -65,6 +65,32 @@ struct ConvertOptions {
   bool overwrite = false;
 };
 
+struct LevelOptions {
+  StreamOptions stream;
+  std::uint32_t mode = 1; /**< As Vexa_SetALCMode(), 1 to 6. */
+  std::uint32_t target = 128;
+  std::optional<std::uint16_t> gain; /**< To start with; setting value, as the limits. */
+  std::optional<std::uint16_t> min_gain;
+  std::optional<std::uint16_t> max_gain;
+  std::optional<double> min_exposure_ms;
+  std::optional<double> max_exposure_ms;
+  std::uint32_t max_steps = 50;
+  std::uint32_t skip = 3; /**< Frames to leave out after a change. */
+  bool json = false;
+};
+
+struct CalibrateOptions {
+  StreamOptions stream;
+  bool white_balance = false; /**< Without this and the next: both, where the model has them. */
+  bool defects = false;
+  std::uint32_t threshold = 64;            /**< Least level of a defect pixel in a dark frame. */
+  std::optional<double> dark_exposure_ms;  /**< Of the dark frame; the shortest if not given. */
+  std::string output = "calibrate-%d.bmp"; /**< 1 is before, 2 after. */
+  std::optional<std::uint8_t> method;      /**< VEXA_INTERP_ code. */
+  bool overwrite = false;
+  bool json = false;
+};
+
 struct StatsOptions {
   StreamOptions stream;
   double seconds = 10;
@@ -102,9 +128,9 @@ struct Answer {
   std::string error;  /**< For the standard error. */
 };
 
-using ParsedArguments =
-    std::variant<Answer, ListOptions, InfoOptions, CaptureOptions, ConvertOptions, StatsOptions,
-                 ParametersOptions, GetOptions, SetOptions, SettingsOptions>;
+using ParsedArguments = std::variant<Answer, ListOptions, InfoOptions, CaptureOptions,
+                                     ConvertOptions, LevelOptions, CalibrateOptions, StatsOptions,
+                                     ParametersOptions, GetOptions, SetOptions, SettingsOptions>;
 
 /** Reads the command line.
  *  @param arguments without the program's name, UTF-8.

@@ -117,6 +117,17 @@ std::optional<std::filesystem::path> OutputPattern::FirstExisting() const {
   return std::nullopt;
 }
 
+OutputPattern CheckedOutput(const std::string& pattern, std::uint32_t frames, bool overwrite) {
+  OutputPattern checked(pattern, frames);
+  if (!overwrite) {
+    if (const auto existing = checked.FirstExisting()) {
+      throw ToolError(ExitCode::kUsage, "\"" + Utf8FromPath(*existing) + "\" exists",
+                      "Choose another --output, or replace the files with --overwrite.");
+    }
+  }
+  return checked;
+}
+
 std::filesystem::path PathFromUtf8(const std::string& text) {
   try {
     std::filesystem::path path(std::u8string(text.begin(), text.end()));

@@ -48,6 +48,11 @@ class OutputPattern {
   FileType type_;
 };
 
+/** The names of files to write. @param pattern,frames as for OutputPattern. @param overwrite
+ * whether files may be replaced. @throws ToolError (kUsage) also for a file that exists and must
+ * not be. */
+OutputPattern CheckedOutput(const std::string& pattern, std::uint32_t frames, bool overwrite);
+
 /** A UTF-8 path. @throws ToolError (kUsage) when the text is not UTF-8. */
 std::filesystem::path PathFromUtf8(const std::string& text);
 

@@ -37,7 +37,12 @@ Status CVexaCamera::Open(platform::Driver& driver) {
   }
   transfer_.set_max_transfer_size(device::ReadMaxTransferSize());
   status = white_balance_.SetUp();
-  return status.ok() ? ReloadSettings() : status;
+  if (!status.ok()) {
+    return status;
+  }
+  // Reloading repeats this when the timing is known, and reports a failure.
+  static_cast<void>(level_control_.Reset());
+  return ReloadSettings();
 }
 
 Status CVexaCamera::ReloadSettings() {
@@ -47,6 +52,12 @@ Status CVexaCamera::ReloadSettings() {
   }
   if (status.ok()) {
     status = transfer_format_.Refresh();
+  }
+  if (status.ok()) {
+    status = level_control_.Reset();
+  }
+  if (status.ok()) {
+    status = level_control_.LoadCameraParameters();
   }
   return status;
 }
@@ -61,11 +72,34 @@ Status CVexaCamera::SendCameraSetting(std::uint16_t command) {
   return status.ok() ? ReloadSettings() : status;
 }
 
+Status CVexaCamera::SetGain(std::uint16_t gain) {
+  const Status status = exposure_.SetGain(gain);
+  if (status.ok()) {
+    level_control_.NoteGain(gain);
+  }
+  return status;
+}
+
+Status CVexaCamera::SetExposureClock(std::uint32_t exposure_clock) {
+  const Status status = exposure_.SetExposureClock(exposure_clock);
+  if (status.ok()) {
+    level_control_.NoteExposureClock(exposure_clock);
+  }
+  return status;
+}
+
 output::CEasyDraw& CVexaCamera::easy_draw() {
   if (easy_draw_ == nullptr) {
     easy_draw_ = std::make_unique<output::CEasyDraw>();
   }
   return *easy_draw_;
+}
+
+imaging::CNoiseReduction& CVexaCamera::noise_reduction() {
+  if (noise_reduction_ == nullptr) {
+    noise_reduction_ = std::make_unique<imaging::CNoiseReduction>();
+  }
+  return *noise_reduction_;
 }
 
 Status CVexaCamera::SetGainAndExposureClock(std::uint16_t gain, std::uint32_t exposure_clock) {

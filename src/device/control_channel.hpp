@@ -24,6 +24,10 @@ enum class Request : std::uint8_t {
   kSoftTrigger = 0x30,
   kRegister = 0x80,
   kCameraSetting = 0x81,
+  kLowRam = 0xA0,
+  kHighRam = 0xF0,
+  kOldUserArea = 0xF9,
+  kUserArea = 0xFA,
 };
 
 /// bmRequestType of vendor requests to the device (USB 2.0 chapter 9.3); bit 7 is the direction.

@@ -19,6 +19,8 @@ enum class Function : std::uint32_t {
   kHorizontalMirror = 22,
   kVerticalMirror = 23,
   kWhiteBalance = 24,
+  kCameraGainControl = 25,
+  kCameraExposureControl = 26,
   kSuppliesTimingLimits = 48,
   kGainCurve2 = 49,
   kDigitalClamp = 55,

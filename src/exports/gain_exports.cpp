@@ -9,7 +9,7 @@ using vexa::camera::CVexaCamera;
 using namespace vexa::exports;  // NOLINT(google-build-using-namespace): the frame of every function
 
 BOOL VEXA_CALL Vexa_SetGain(HANDLE camera, WORD gain) {
-  return CallCamera(camera, [&](CVexaCamera& self) { return self.exposure().SetGain(gain); });
+  return CallCamera(camera, [&](CVexaCamera& self) { return self.SetGain(gain); });
 }
 
 BOOL VEXA_CALL Vexa_GetGain(HANDLE camera, WORD* gain) {

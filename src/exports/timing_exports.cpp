@@ -94,8 +94,8 @@ BOOL VEXA_CALL Vexa_GetShutterMaxClock(HANDLE camera, DWORD* clock) {
 }
 
 BOOL VEXA_CALL Vexa_SetExposureClock(HANDLE camera, DWORD exposure_clock) {
-  return CallCamera(
-      camera, [&](CVexaCamera& self) { return self.exposure().SetExposureClock(exposure_clock); });
+  return CallCamera(camera,
+                    [&](CVexaCamera& self) { return self.SetExposureClock(exposure_clock); });
 }
 
 BOOL VEXA_CALL Vexa_GetExposureClock(HANDLE camera, DWORD* exposure_clock) {

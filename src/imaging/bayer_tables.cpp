@@ -24,18 +24,14 @@ Cell CellOf(std::uint16_t color_array) {
 }  // namespace
 
 void ApplyBayerTables(const BayerTables& tables, std::uint32_t width, std::uint32_t height,
-                      std::uint16_t color_array, std::uint8_t* frame) {
+                      std::uint16_t color_array, std::uint8_t* frame, const PixelKernels& kernels) {
   const Cell cell = CellOf(color_array);
   const std::size_t whole_columns = width & ~std::uint32_t{1};
   const std::size_t whole_rows = height & ~std::uint32_t{1};
   for (std::size_t y = 0; y < whole_rows; ++y) {
     const LookUpTable& even = tables[cell[(y & 1) * 2]];
     const LookUpTable& odd = tables[cell[(y & 1) * 2 + 1]];
-    std::uint8_t* row = frame + y * width;
-    for (std::size_t x = 0; x < whole_columns; x += 2) {
-      row[x] = even[row[x]];
-      row[x + 1] = odd[row[x + 1]];
-    }
+    kernels.look_up_pairs(even.data(), odd.data(), frame + y * width, whole_columns);
   }
 }
 

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "imaging/kernels/pixel_dispatch.hpp"
+
 namespace vexa::imaging {
 
 /// A new value for each 8-bit value.
@@ -22,6 +24,7 @@ using BayerTables = std::array<LookUpTable, 4>;
 /// codes other than GRBG, GBRG and BGGR are taken for RGGB (callers sort out monochrome).
 /// Keeps no state; any thread may call it.
 void ApplyBayerTables(const BayerTables& tables, std::uint32_t width, std::uint32_t height,
-                      std::uint16_t color_array, std::uint8_t* frame);
+                      std::uint16_t color_array, std::uint8_t* frame,
+                      const PixelKernels& kernels = BestPixelKernels());
 
 }  // namespace vexa::imaging

@@ -23,11 +23,12 @@ inline bool FrameIsPossible(std::uint32_t width, std::uint32_t height, std::size
 }
 
 /// Uninitialised memory for the time of a call; throws std::bad_alloc.
-inline std::unique_ptr<std::uint8_t[]> AllocateWorkBuffer(std::uint64_t bytes) {
-  if (bytes > kLargestBuffer) {
+template <class T>
+std::unique_ptr<T[]> AllocateWorkBuffer(std::uint64_t count) {
+  if (count > kLargestBuffer / sizeof(T)) {
     throw std::bad_alloc();
   }
-  return std::make_unique_for_overwrite<std::uint8_t[]>(static_cast<std::size_t>(bytes));
+  return std::make_unique_for_overwrite<T[]>(static_cast<std::size_t>(count));
 }
 
 }  // namespace vexa::imaging

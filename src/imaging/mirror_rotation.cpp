@@ -57,7 +57,7 @@ void MirrorColumns(const FrameShape& shape, std::uint8_t* frame, const FrameKern
 void Turn(std::uint8_t operation, const FrameShape& shape, std::uint8_t* frame,
           const FrameKernels& kernels) {
   const std::size_t pixels = std::size_t{shape.width} * shape.height;
-  const auto copy = AllocateWorkBuffer(pixels);
+  const auto copy = AllocateWorkBuffer<std::uint8_t>(pixels);
   std::memcpy(copy.get(), frame, pixels);
   const std::uint8_t* in = copy.get();
   auto in_stride = static_cast<std::ptrdiff_t>(shape.width);

@@ -86,6 +86,20 @@ Status CameraCorrection::GetDefect(std::uint32_t index, DefectPosition* position
   return status;
 }
 
+Status CameraCorrection::LoadDefectTable(std::span<const imaging::BrightPixel> pixels) {
+  if (DefectCount() == 0) {
+    return error::kInvalidParameter;
+  }
+  Status status;
+  for (std::uint16_t i = 0; i < DefectCount() && status.ok(); ++i) {
+    status = WriteDefect(i, i < pixels.size()
+                                ? DefectPosition{LowWord(pixels[i].x), LowWord(pixels[i].y)}
+                                : kUnusedEntry);
+  }
+  // What was written counts, whether or not that is all.
+  return registers_.SendCommand(device::Command::kApply);
+}
+
 Status CameraCorrection::WriteDefect(std::uint16_t index, DefectPosition position) {
   std::array<std::uint8_t, 4> data{};
   StoreLe16(data, 0, position.x);

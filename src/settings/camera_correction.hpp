@@ -4,9 +4,11 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 #include "device/identity.hpp"
 #include "device/registers.hpp"
+#include "imaging/bright_pixels.hpp"
 #include "platform/status.hpp"
 
 namespace vexa::settings {
@@ -50,11 +52,14 @@ class CameraCorrection {
   /// DefectCount().
   Status SetDefect(std::uint32_t index, DefectPosition position);
   Status GetDefect(std::uint32_t index, DefectPosition* position);
-  /// Writes an entry that the camera takes over at the next apply command; the index must be below
-  /// kDefectTableSize.
-  Status WriteDefect(std::uint16_t index, DefectPosition position);
+  /// Writes the whole table, entries without a pixel as unused, up to the first that the camera
+  /// refuses, and has the camera take it over; the result is that of the last step.
+  /// kInvalidParameter on models without a table.
+  Status LoadDefectTable(std::span<const imaging::BrightPixel> pixels);
 
  private:
+  Status WriteDefect(std::uint16_t index, DefectPosition position);
+
   device::Registers& registers_;
   const device::CameraIdentity& identity_;
 };

@@ -4,6 +4,7 @@
 #include <array>
 #include <mutex>
 
+#include "imaging/auto_white_balance.hpp"
 #include "platform/bytes.hpp"
 
 namespace vexa::settings {
@@ -17,7 +18,8 @@ constexpr std::uint8_t kLastGainRegister = 67;
 constexpr std::uint8_t kModeRegister = 68;
 constexpr auto kMainBlock = static_cast<std::uint16_t>(device::RegisterBlock::kMain);
 
-constexpr std::uint32_t kUnity = 128;
+constexpr std::uint16_t kUnity = 128;
+constexpr WhiteBalanceGains kUnityGains{kUnity, kUnity, kUnity, kUnity};
 
 WhiteBalanceGains LoadGains(std::span<const std::uint8_t> bytes, std::size_t offset) {
   return {.red = LoadLe16(bytes, offset),
@@ -93,6 +95,41 @@ Status WhiteBalance::GetMode(std::uint8_t* mode) {
   }
   const std::lock_guard lock(mutex_);
   *mode = mode_;
+  return {};
+}
+
+Status WhiteBalance::Correct(std::uint32_t width, std::uint32_t height, std::uint16_t color_array,
+                             std::uint8_t* frame) {
+  if (in_camera_) {
+    return {};
+  }
+  const std::lock_guard lock(mutex_);
+  Status status;
+  if (mode_ == white_balance_mode::kEveryFrame || mode_ == white_balance_mode::kOnce) {
+    status = FindGains(width, height, color_array, frame);
+    mode_ = mode_ == white_balance_mode::kOnce ? white_balance_mode::kManual : mode_;
+  }
+  if (mode_ != white_balance_mode::kOff && gains_ != kUnityGains) {
+    imaging::ApplyBayerTables(tables_, width, height, color_array, frame);
+  }
+  return status;
+}
+
+Status WhiteBalance::FindGains(std::uint32_t width, std::uint32_t height, std::uint16_t color_array,
+                               const std::uint8_t* frame) {
+  imaging::ColorGains found;
+  const Status status = imaging::FindColorGains(width, height, color_array, frame, &found);
+  if (!status.ok()) {
+    return status;
+  }
+  if (found.red != gains_.red) {
+    gains_.red = found.red;
+    BuildTable(found.red, &tables_[imaging::kBayerR]);
+  }
+  if (found.blue != gains_.blue) {
+    gains_.blue = found.blue;
+    BuildTable(found.blue, &tables_[imaging::kBayerB]);
+  }
   return {};
 }
 

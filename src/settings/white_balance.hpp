@@ -53,7 +53,16 @@ class WhiteBalance {
   /// 0 on failure.
   Status GetMode(std::uint8_t* mode);
 
+  /// Corrects an 8-bit raw frame of a colour camera in place: in the automatic modes finds the
+  /// gains of red and blue first, in every mode but off applies all gains. Does nothing on models
+  /// with white balance in the camera. kInvalidParameter when the colour array is none that gains
+  /// can be found for; the frame is corrected with the present gains all the same.
+  Status Correct(std::uint32_t width, std::uint32_t height, std::uint16_t color_array,
+                 std::uint8_t* frame);
+
  private:
+  Status FindGains(std::uint32_t width, std::uint32_t height, std::uint16_t color_array,
+                   const std::uint8_t* frame);
   Status ReadGains(WhiteBalanceGains* gains);
   Status ReadMode(std::uint8_t* mode);
 

@@ -1,7 +1,6 @@
 #include "transfer/snapshot.hpp"
 
 #include <algorithm>
-#include <limits>
 #include <mutex>
 #include <new>
 
@@ -10,32 +9,22 @@ namespace {
 
 constexpr std::uint32_t kFewestBuffers = 2;  // of a ring that the application has not asked for
 
-std::size_t CheckedSize(std::uint64_t size) {
-  if (size > std::numeric_limits<std::size_t>::max()) {
+std::size_t RingSize(std::uint32_t count, std::uint64_t frame_size) {
+  if (frame_size > static_cast<std::uint64_t>(PTRDIFF_MAX) / count) {
     throw std::bad_alloc();
   }
-  return static_cast<std::size_t>(size);
-}
-
-/// A system that promises more memory than it has ends the program when the memory is used. It
-/// refuses at least one block that is too large for it, so ask for the whole at once.
-void RequireMemory(std::uint32_t count, std::size_t size) {
-  if (size > std::numeric_limits<std::size_t>::max() / count) {
-    throw std::bad_alloc();
-  }
-  static_cast<void>(std::make_unique_for_overwrite<std::uint8_t[]>(count * size));
+  return static_cast<std::size_t>(count * frame_size);
 }
 
 }  // namespace
 
-CSnapShotData::CSnapShotData(std::size_t capacity)
-    : own_(std::make_unique<std::uint8_t[]>(capacity)), buffer_(own_.get(), capacity) {}
+CSnapShotData::CSnapShotData() = default;
+CSnapShotData::CSnapShotData(std::span<std::uint8_t> buffer) : buffer_(buffer) {}
 
 CSnapShotData::~CSnapShotData() = default;
 
 void CSnapShotData::Lend(std::span<std::uint8_t> buffer) {
   external_ = true;
-  own_.reset();
   buffer_ = buffer;
   filled_.Reset();
 }
@@ -43,11 +32,11 @@ void CSnapShotData::Lend(std::span<std::uint8_t> buffer) {
 Status CSnapShotData::Fill(std::uint32_t frame_number, std::span<const std::uint8_t> image) {
   if (!external_ && buffer_.size() < image.size()) {
     try {
-      own_ = std::make_unique_for_overwrite<std::uint8_t[]>(image.size());
+      grown_ = std::vector<std::uint8_t>(image.size());
     } catch (const std::bad_alloc&) {
       return error::kNotEnoughMemory;
     }
-    buffer_ = {own_.get(), image.size()};
+    buffer_ = grown_;
   }
   std::copy_n(image.begin(), std::min(image.size(), buffer_.size()), buffer_.begin());
   frame_number_ = frame_number;
@@ -55,12 +44,12 @@ Status CSnapShotData::Fill(std::uint32_t frame_number, std::span<const std::uint
   return {};
 }
 
-CSnapShotCtrl::CSnapShotCtrl(std::uint32_t count, std::size_t frame_size)
-    : frame_size_(frame_size) {
-  RequireMemory(count, frame_size);
+CSnapShotCtrl::CSnapShotCtrl(std::uint32_t count, std::uint64_t frame_size)
+    : memory_(RingSize(count, frame_size)), frame_size_(memory_.size() / count) {
   copies_.reserve(count);
   for (std::uint32_t i = 0; i < count; ++i) {
-    copies_.push_back(std::make_unique<CSnapShotData>(frame_size));
+    copies_.push_back(
+        std::make_unique<CSnapShotData>(std::span(memory_).subspan(i * frame_size_, frame_size_)));
   }
 }
 
@@ -184,7 +173,7 @@ void RawSnapshot::Store(std::uint32_t frame_number, std::span<const std::uint8_t
 }
 
 void RawSnapshot::Create(std::uint32_t count, std::uint64_t frame_size) {
-  controller_ = std::make_shared<CSnapShotCtrl>(count, CheckedSize(frame_size));
+  controller_ = std::make_shared<CSnapShotCtrl>(count, frame_size);
   in_use_ = true;
 }
 

@@ -15,12 +15,13 @@
 
 namespace vexa::transfer {
 
-/// A copy of one frame's image, in a buffer of its own or in one that the caller lends. The filled
-/// event is set while the copy holds a frame that nobody has taken. Not synchronised.
+/// A copy of one frame's image, in a buffer of the ring's or in one that the caller lends. The
+/// filled event is set while the copy holds a frame that nobody has taken. Not synchronised.
 class CSnapShotData {
  public:
-  /// A copy with a zeroed buffer of its own; 0 bytes: none yet. Throws std::bad_alloc.
-  explicit CSnapShotData(std::size_t capacity);
+  CSnapShotData();
+  /// Uses a part of the ring's memory.
+  explicit CSnapShotData(std::span<std::uint8_t> buffer);
   virtual ~CSnapShotData();
   CSnapShotData(const CSnapShotData&) = delete;
   CSnapShotData& operator=(const CSnapShotData&) = delete;
@@ -28,8 +29,8 @@ class CSnapShotData {
   /// Uses the caller's buffer from now on; empties the copy.
   void Lend(std::span<std::uint8_t> buffer);
 
-  /// Copies an image. A buffer of its own grows when it is too small (kNotEnoughMemory: nothing
-  /// stored), a lent one takes as much as it holds.
+  /// Copies an image. A buffer of the ring's is replaced when it is too small (kNotEnoughMemory:
+  /// nothing stored), a lent one takes as much as it holds.
   Status Fill(std::uint32_t frame_number, std::span<const std::uint8_t> image);
   void Empty() { filled_.Reset(); }
 
@@ -41,8 +42,8 @@ class CSnapShotData {
  private:
   std::uint32_t frame_number_ = 0;
   bool external_ = false;
-  std::unique_ptr<std::uint8_t[]> own_;
   std::span<std::uint8_t> buffer_;
+  std::vector<std::uint8_t> grown_;  // in place of a part of the ring's memory
   platform::Event filled_;
 };
 
@@ -56,9 +57,8 @@ struct TakenFrame {
 /// the next frame. Usable from several threads.
 class CSnapShotCtrl {
  public:
-  /// `count` copies (at least 1) of `frame_size` bytes. Throws std::bad_alloc, also when the
-  /// machine could not hold the ring once the frames come.
-  CSnapShotCtrl(std::uint32_t count, std::size_t frame_size);
+  /// `count` copies (at least 1) of `frame_size` bytes. Throws std::bad_alloc.
+  CSnapShotCtrl(std::uint32_t count, std::uint64_t frame_size);
   virtual ~CSnapShotCtrl();
   CSnapShotCtrl(const CSnapShotCtrl&) = delete;
   CSnapShotCtrl& operator=(const CSnapShotCtrl&) = delete;
@@ -84,13 +84,15 @@ class CSnapShotCtrl {
   std::uint32_t Next(std::uint32_t index) const;
   bool TakeOldest(std::span<std::uint8_t> buffer, TakenFrame* taken);
 
+  // One block, which a system that promises more memory than it has refuses sooner than many.
+  std::vector<std::uint8_t> memory_;
   const std::size_t frame_size_;
   platform::Mutex mutex_;  // guards all members below
   std::uint32_t write_index_ = 0;
   std::uint32_t read_index_ = 0;
   std::vector<std::unique_ptr<CSnapShotData>> copies_;
   bool taker_waits_ = false;
-  CSnapShotData taker_{0};  // lent the taker's buffer while it waits
+  CSnapShotData taker_;  // lent the taker's buffer while it waits
 };
 
 /// The place of a camera's controller. Its lock guards the controller's creation, replacement and

@@ -29,10 +29,12 @@ TEST_F(OpenTest, ReadsIdentityAndSettingsInOrder) {
       EXPECT_EQ(entry.output_size, 512U);
     }
   }
-  EXPECT_THAT(Wire(*twin), ElementsAre("C0 11 0000 0000 +64", "C0 80 0068 0000 +8",
-                                       "C0 23 0000 0000 +64",  // white-balance defaults
-                                       "C0 80 00BF 0000 +2",   // mirror register 63
-                                       "C0 12 0000 0000 +64", "C0 13 0000 0000 +6"));
+  EXPECT_THAT(Wire(*twin),
+              ElementsAre("C0 11 0000 0000 +64", "C0 80 0068 0000 +8",
+                          "C0 23 0000 0000 +64",  // white-balance defaults
+                          "C0 21 0000 0000 +64",  // gain and exposure
+                          "C0 80 00BF 0000 +2",   // mirror register 63
+                          "C0 12 0000 0000 +64", "C0 13 0000 0000 +6", "C0 21 0000 0000 +64"));
   constexpr std::array<DWORD, 4> kDefaults = {INFINITE, INFINITE, 5000, 5000};
   for (DWORD index = 0; index < 4; ++index) {
     DWORD milliseconds = 0;
@@ -105,6 +107,13 @@ TEST_F(OpenTest, FailureInTheSettingsClosesTheDeviceAgain) {
     EXPECT_EQ(GetLastError(), 121U);
     EXPECT_EQ(twin->OpenHandles(), 0U);
   }
+  // Gain and exposure are asked for twice; only the second answer matters.
+  twin->FailControl({.request = 0x21}, 121, 2);
+  EXPECT_EQ(Vexa_Open(), INVALID_HANDLE_VALUE);
+  SetLastError(0);
+  twin->FailControl({.request = 0x21}, 121, 1);
+  Open();
+  EXPECT_EQ(GetLastError(), 0U);
 }
 
 TEST_F(OpenTest, CapabilitiesFollowMaskAndModel) {
@@ -292,8 +301,9 @@ TEST_F(OpenTest, CameraSettingNeedsFirmwareAndReloads) {
   HANDLE second = Open();
   recent->ClearLog();
   EXPECT_TRUE(Vexa_CameraSetting(second, 0x0201));
-  EXPECT_THAT(Wire(*recent), ElementsAre("40 81 0000 0000 [01 02]", "C0 80 00BF 0000 +2",
-                                         "C0 12 0000 0000 +64", "C0 13 0000 0000 +6"));
+  EXPECT_THAT(Wire(*recent),
+              ElementsAre("40 81 0000 0000 [01 02]", "C0 80 00BF 0000 +2", "C0 12 0000 0000 +64",
+                          "C0 13 0000 0000 +6", "C0 21 0000 0000 +64"));
 }
 
 TEST_F(OpenTest, VersionNeedsNoCamera) {

@@ -172,8 +172,11 @@ TEST_F(SnapshotTest, ACallbackFindsItsFrameInTheRingAndNeverWaits) {
 
 TEST_F(SnapshotTest, ARingThatNoMachineHoldsIsRefused) {
   OpenFast();
-  EXPECT_TRUE(Vexa_SetRawSnapShotBufferCount(camera_, 0xFFFFFFFF));
-  EXPECT_EQ(Take().error, 8U);
+  {
+    const AllocationLimit limit(std::size_t{1} << 30);
+    EXPECT_TRUE(Vexa_SetRawSnapShotBufferCount(camera_, 0xFFFFFFFF));
+    EXPECT_EQ(Take().error, 8U);
+  }
   EXPECT_TRUE(Vexa_SetRawSnapShotBufferCount(camera_, 2));
   {
     const AllocationLimit limit(1000);

@@ -48,6 +48,8 @@ TEST(Arguments, RefusesWhatIsWrongAndSaysWhat) {
       {{"convert", "a.raw", "a.bmp", "--width", "4"}, "--height"},
       {{"convert", "a.raw", "a.bmp", "--width", "65536", "--height", "1"}, "65536"},
       {{"convert", "a.raw", "a.bmp", "--color-array", "rgb"}, "GBRG"},
+      {{"level", "--mode", "7"}, "--mode"},
+      {{"level", "--gain", "65536"}, "--gain"},
       {{"stats", "--seconds", "0"}, "--seconds"},
       {{"stats", "--seconds", "-nan"}, "nan"},
   };

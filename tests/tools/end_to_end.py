@@ -166,9 +166,9 @@ class WithCameras(EndToEnd):
     def test_list_and_info_agree(self):
         table = vexa("list")
         self.expect(table, 0, "index", "RGGB", "mono")
-        self.assertEqual(len(table.stdout.splitlines()), 3, "a heading and two cameras")
+        self.assertEqual(len(table.stdout.splitlines()), 5, "a heading and four cameras")
         cameras = json.loads(vexa("list", "--json").stdout)
-        self.assertEqual([camera["index"] for camera in cameras], [0, 1])
+        self.assertEqual([camera["index"] for camera in cameras], [0, 1, 2, 3])
         for camera in cameras:
             run = vexa("info", "--camera", camera["index"], "--json")
             self.expect(run, 0)
@@ -232,6 +232,33 @@ class WithCameras(EndToEnd):
         self.assertEqual(len(tiff), 162 + 2 * 640 * 480)
         self.assertFalse(any(sample & 0xF for sample in samples), "12 bits at the top of 16")
 
+    def test_calibrate_balances_white_and_hides_defects(self):
+        # Without and with white balance in the camera, under the same lamp.
+        for camera, own in ((2, False), (3, True)):
+            run = vexa("calibrate", "-c", camera, "--json", "-o", f"c{camera}-%d.bmp",
+                       "--timeout", WAIT, folder=self.folder)
+            self.expect(run, 0)
+            report = json.loads(run.stdout)
+            balance, defects = report["white_balance"], report["defect_pixels"]
+            self.assertEqual(balance["in_camera"], own)
+            self.assertLess(balance["gains"]["red"], 100)
+            self.assertGreater(balance["gains"]["blue"], 200)
+            levels = balance["mean_after"].values()
+            self.assertLess(max(levels) - min(levels), 2)
+            before, after = (read_bmp(self.folder / f"c{camera}-{i}.bmp") for i in (1, 2))
+            width, height, pixel = before
+            grey = (width // 20, height - height // 5)  # the wall between the chart and the ramps
+            red, _, blue = pixel(*grey)
+            self.assertGreater(red, 2 * blue)
+            red, _, blue = after[2](*grey)
+            self.assertLess(abs(red - blue), 20)
+            self.assertEqual(defects["count"], 3)
+            for place in defects["positions"]:
+                x, y = place["x"], place["y"]
+                self.assertGreater(max(pixel(x, y)), 200, place)
+                around = max(max(after[2](x + dx, y)) for dx in (-3, 3))
+                self.assertLess(max(after[2](x, y)), around + 40, place)
+
     def test_stats_measures(self):
         for seconds in (2, 10, 60):  # sanitizers on a busy machine take long for a frame
             run = vexa("stats", "--seconds", seconds, "--timeout", WAIT, "--json")
@@ -247,6 +274,24 @@ class WithCameras(EndToEnd):
         self.assertLessEqual(interval["deviation_p50_us"], interval["deviation_max_us"])
         self.assertNotRegex(run.stderr, r"[\r\x1b]", "no control characters outside a terminal")
         self.assertNotIn("frames/s", vexa("stats", "-s", 1.5, "--quiet").stderr)
+
+    def test_level_settles_from_dark_and_bright(self):
+        for mode, settings, column in ((2, ["--exposure-ms", "0.5"], "exposure"),
+                                       (1, ["--gain", 200, "--max-exposure-ms", 2], "gain")):
+            run = vexa("level", "--mode", mode, "--timeout", WAIT, "--target", 110, "--json",
+                       *settings)
+            self.expect(run, 0)
+            report = json.loads(run.stdout)
+            first, last = report["steps"][0], report["steps"][-1]
+            self.assertTrue(report["settled"])
+            self.assertAlmostEqual(last["level"], 110, delta=10)
+            self.assertGreater(abs(first["level"] - 110), 30)
+            self.assertTrue(all(step[f"{column}_changed"] for step in report["steps"][1:-1]))
+            self.assertFalse(last["exposure_changed"] or last["gain_changed"])
+        self.assertAlmostEqual(last["exposure_ms"], 2, places=3)
+        self.expect(vexa("level", "--exposure-ms", "0.5"), 0, "changed", "settled after")
+        self.expect(vexa("level", "--mode", 5, "--max-exposure-ms", "0.1"), 4, "has not settled", "limits")
+        self.expect(vexa("level", "--gain", 999), 1, "31 (", "0 to 255")
 
     def test_a_terminal_gets_one_changing_line(self):
         import pty  # not on Windows
@@ -296,7 +341,13 @@ class WithCameras(EndToEnd):
             (1, ["capture", "-o", "no/folder/a.bmp"], ["Vexa_SaveImageW", "110 (", "folder"]),
             (1, ["capture", "-o", "full.raw", "--overwrite"], ["incomplete", "space"]),
             (1, ["capture", "-o", "full.tif", "--overwrite"], ["incomplete", "space"]),
-            (3, ["info", "--camera", 9], ["index 9", "2 free", "259 ("]),
+            (2, ["calibrate", "-c", 1, "--white-balance"], ["monochrome"]),
+            (2, ["calibrate", "--format", "12bit"], ["8 bits"]),
+            (2, ["calibrate", "-o", taken.parent / "taken.bmp", "--defects", "--threshold", 0],
+             ["--threshold"]),
+            (1, ["calibrate", "--dark-exposure-ms", 20, "--timeout", WAIT],
+             ["dark frame", "table stays", "--threshold"]),
+            (3, ["info", "--camera", 9], ["index 9", "4 free", "259 ("]),
         ]
         for code, arguments, says in cases:
             with self.subTest(arguments=arguments):

@@ -78,17 +78,6 @@ std::size_t BufferCount(std::uint64_t frame_bytes, std::uint32_t frames) {
   return static_cast<std::size_t>(std::min<std::uint64_t>(fitting, frames));
 }
 
-OutputPattern CheckedPattern(const CaptureOptions& options) {
-  OutputPattern pattern(options.output, options.frames);
-  if (!options.overwrite) {
-    if (const auto existing = pattern.FirstExisting()) {
-      throw ToolError(ExitCode::kUsage, "\"" + Utf8FromPath(*existing) + "\" exists",
-                      "Choose another --output, or replace the files with --overwrite.");
-    }
-  }
-  return pattern;
-}
-
 /** The exit code, with what went wrong on the standard error. */
 ExitCode Conclude(StreamEnd end, const StreamCounts& counts, const FrameSettings& settings,
                   double timeout_s, std::uint32_t unsaved) {
@@ -112,7 +101,7 @@ ExitCode Conclude(StreamEnd end, const StreamCounts& counts, const FrameSettings
 }  // namespace
 
 ExitCode RunCapture(const CaptureOptions& options) {
-  const OutputPattern pattern = CheckedPattern(options);
+  const OutputPattern pattern = CheckedOutput(options.output, options.frames, options.overwrite);
   if (const auto& format = options.stream.settings.format) {
     // What cannot be saved is refused before the camera is changed; the sensor plays no part in it.
     static_cast<void>(PlanSaving(pattern.type(), *format, VEXA_COLOR_ARRAY_RGGB, options.method));

@@ -19,6 +19,12 @@ ExitCode RunCapture(const CaptureOptions& options);
 /** Turns a frame's bytes into an image file; needs no camera. */
 ExitCode RunConvert(const ConvertOptions& options);
 
+/** Streams until the automatic level control has settled, and prints its steps. */
+ExitCode RunLevel(const LevelOptions& options);
+
+/** Finds white balance and defect pixels. */
+ExitCode RunCalibrate(const CalibrateOptions& options);
+
 /** Streams and prints measurements. */
 ExitCode RunStats(const StatsOptions& options);
 

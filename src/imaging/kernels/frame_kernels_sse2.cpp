@@ -7,7 +7,7 @@
 
 namespace vexa::imaging {
 
-constinit const FrameKernels kSse2FrameKernels = VectorFrames<Sse2>::Kernels("sse2");
+constinit const FrameKernels kSse2FrameKernels = MakeFrameKernels<Sse2>("sse2");
 
 }  // namespace vexa::imaging
 #endif

@@ -6,22 +6,36 @@
 #include <tmmintrin.h>
 #pragma GCC target("ssse3")
 #include "imaging/kernels/vector_frames.hpp"
+#include "imaging/kernels/vector_look_up.hpp"
 #include "imaging/kernels/vector_sse2.hpp"
 
 namespace vexa::imaging {
 namespace {
 
 struct Ssse3 : Sse2 {
-  static const FrameKernels& Smaller() { return kReferenceFrameKernels; }
+  static constexpr bool kShuffles = true;
 
   static Vector Reverse(Vector v) {
     return _mm_shuffle_epi8(v, _mm_setr_epi8(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0));
+  }
+
+  static Vector LoadPair(const Sample* low, const Sample*) { return Load(low); }
+  static void StorePair(Sample* low, Sample*, Vector v) { Store(low, v); }
+  static Vector LoadTwice(const Sample* in) { return Load(in); }
+  static Vector Shuffle(Vector v, Vector order) { return _mm_shuffle_epi8(v, order); }
+  static Vector Xor(Vector a, Vector b) { return _mm_xor_si128(a, b); }
+  static bool AllZero(Vector v) { return _mm_movemask_epi8(Equal(v, Zero())) == 0xFFFF; }
+  static Vector MultiplyHighRounded(Vector a, Vector b) { return _mm_mulhrs_epi16(a, b); }
+  static Vector ShiftWordsLeft8(Vector v) { return _mm_slli_epi16(v, 8); }
+
+  static Vector LookUp(const Sample* table, Vector indices) {
+    return LookUpByShuffles<Ssse3>(table, indices);
   }
 };
 
 }  // namespace
 
-constinit const FrameKernels kSsse3FrameKernels = VectorFrames<Ssse3>::Kernels("ssse3");
+constinit const FrameKernels kSsse3FrameKernels = MakeFrameKernels<Ssse3>("ssse3");
 
 }  // namespace vexa::imaging
 #endif

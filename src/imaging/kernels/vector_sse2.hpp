@@ -15,6 +15,9 @@ struct Sse2 {
   static constexpr std::size_t kWidth = 16;
   using Vector = __m128i;
 
+  /// Bytes cannot be shuffled at will.
+  static constexpr bool kShuffles = false;
+
   static const FrameKernels& Smaller() { return kReferenceFrameKernels; }
 
   static Vector Load(const void* in) { return _mm_loadu_si128(static_cast<const Vector*>(in)); }
@@ -31,6 +34,42 @@ struct Sse2 {
   }
   static Vector UnpackLow(Vector a, Vector b) { return _mm_unpacklo_epi8(a, b); }
   static Vector UnpackHigh(Vector a, Vector b) { return _mm_unpackhi_epi8(a, b); }
+
+  static Vector Zero() { return _mm_setzero_si128(); }
+  static Vector Words(std::int16_t word) { return _mm_set1_epi16(word); }
+  static Vector Or(Vector a, Vector b) { return _mm_or_si128(a, b); }
+  static Vector And(Vector a, Vector b) { return _mm_and_si128(a, b); }
+  static Vector AndNot(Vector mask, Vector v) { return _mm_andnot_si128(mask, v); }
+  static Vector Equal(Vector a, Vector b) { return _mm_cmpeq_epi8(a, b); }
+  static Vector Min(Vector a, Vector b) { return _mm_min_epu8(a, b); }
+  static Vector Max(Vector a, Vector b) { return _mm_max_epu8(a, b); }
+  static Vector Bytes(std::uint8_t byte) { return _mm_set1_epi8(static_cast<char>(byte)); }
+  /// One bit for each sample, its highest.
+  static unsigned HighBits(Vector v) { return static_cast<unsigned>(_mm_movemask_epi8(v)); }
+  static Vector AddClamped(Vector a, Vector b) { return _mm_adds_epu8(a, b); }
+  static Vector SubClamped(Vector a, Vector b) { return _mm_subs_epu8(a, b); }
+  static Vector AddWords(Vector a, Vector b) { return _mm_add_epi16(a, b); }
+  static Vector SubWords(Vector a, Vector b) { return _mm_sub_epi16(a, b); }
+  template <int kBits>
+  static Vector ShiftWordsRight(Vector v) {
+    return _mm_srli_epi16(v, kBits);
+  }
+
+  /// kWidth / 2 samples as words, in order.
+  static Vector Widen(const Sample* in) {
+    return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const Vector*>(in)), Zero());
+  }
+  /// Words of 0..255 as samples, in order.
+  static Vector Narrow(Vector low, Vector high) { return _mm_packus_epi16(low, high); }
+
+  static Vector LookUp(const Sample* table, Vector indices) {
+    alignas(16) Sample lanes[kWidth];
+    _mm_store_si128(reinterpret_cast<Vector*>(lanes), indices);
+    for (Sample& lane : lanes) {
+      lane = table[lane];
+    }
+    return _mm_load_si128(reinterpret_cast<const Vector*>(lanes));
+  }
 };
 
 }  // namespace

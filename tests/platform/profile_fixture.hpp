@@ -1,0 +1,61 @@
+/// \file
+/// A profile file in a folder of its own.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace vexa::test {
+
+/// Latin-1 as UTF-16LE with byte-order mark.
+inline std::string Utf16Le(const std::string& text) {
+  std::string bytes = "\xFF\xFE";
+  for (const char c : text) {
+    bytes += {c, '\0'};
+  }
+  return bytes;
+}
+
+class ProfileTest : public ::testing::Test {
+ protected:
+  ProfileTest() {
+    const std::string name =
+        ::testing::UnitTest::GetInstance()->current_test_info()->test_suite_name();
+    folder_ = std::filesystem::temp_directory_path() /
+              ("vexa-profile-" + name + std::to_string(reinterpret_cast<std::uintptr_t>(this)));
+    std::filesystem::remove_all(folder_);
+    std::filesystem::create_directories(folder_);
+    file_ = folder_ / "settings.ini";
+    path_ = file_.u16string();
+  }
+  ~ProfileTest() override { std::filesystem::remove_all(folder_); }
+
+  void Put(const std::string& bytes) { std::ofstream(file_, std::ios::binary) << bytes; }
+  std::string Get() const {
+    std::ifstream file(file_, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  /// Text with this system's line ends in place of "|".
+  static std::string Lines(std::string text) {
+#if defined(_WIN32)
+    const std::string end = "\r\n";
+#else
+    const std::string end = "\n";
+#endif
+    for (std::size_t at = text.find('|'); at != std::string::npos; at = text.find('|', at)) {
+      text.replace(at, 1, end);
+    }
+    return text;
+  }
+
+  std::filesystem::path folder_;
+  std::filesystem::path file_;
+  std::u16string path_;
+};
+
+}  // namespace vexa::test
