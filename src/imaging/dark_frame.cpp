@@ -33,23 +33,21 @@ void RepairRow(const RawFrame& frame, std::size_t reach, std::size_t y, const st
 
 Status SubtractDark(const std::uint8_t* dark, const RawFrame& frame, const FrameKernels& kernels) {
   const bool is_mono = Is(frame, ColorArray::kMono);
-  const std::size_t reach = is_mono ? 1 : 2;
   const bool can_repair = is_mono || Is(frame, ColorArray::kRggb);
+  const std::size_t reach = is_mono ? 1 : 2;
   const std::size_t width = frame.width;
-  if (!can_repair || width <= 2 * reach || frame.height <= 2 * reach) {
-    kernels.subtract(dark, frame.samples, width * frame.height);
-    return can_repair ? error::kNone : error::kInvalidParameter;
-  }
+  const bool has_inside = width > 2 * reach && frame.height > 2 * reach;
   RowHistory before(width);
-  for (std::size_t y = 0; y < frame.height; ++y) {
-    std::uint8_t* const row = frame.samples + y * width;
-    before.Keep(y, row);
-    kernels.subtract(dark + y * width, row, width);
-    if (y >= 2 * reach) {
+  bool is_saturated[3] = {};
+  for (std::size_t y = 0; width != 0 && y < frame.height; ++y) {
+    is_saturated[y % 3] =
+        kernels.subtract(dark + y * width, frame.samples + y * width, before.Row(y), width);
+    // A row can be repaired when all that its neighbourhood needs has been subtracted.
+    if (can_repair && has_inside && y >= 2 * reach && is_saturated[(y - reach) % 3]) {
       RepairRow(frame, reach, y - reach, before.Row(y - reach), kernels);
     }
   }
-  return error::kNone;
+  return can_repair ? error::kNone : error::kInvalidParameter;
 }
 
 }  // namespace vexa::imaging

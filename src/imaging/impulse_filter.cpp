@@ -7,24 +7,34 @@
 namespace vexa::imaging {
 namespace {
 
-/// Up to five samples in order.
-class SortedSamples {
- public:
-  void Add(std::uint8_t sample) {
-    std::size_t place = count_++;
-    for (; place > 0 && samples_[place - 1] > sample; --place) {
-      samples_[place] = samples_[place - 1];
+/// The smaller of a sample and the median of it and up to four neighbours (of an even number of
+/// samples the mean of the middle two, rounded down). The neighbours alone decide on the larger
+/// half, so that nothing needs sorting.
+unsigned Limited(unsigned p, const std::uint8_t* neighbours, std::size_t count) {
+  const unsigned a = neighbours[0];
+  const unsigned b = neighbours[1];
+  const unsigned c = neighbours[2];
+  const unsigned larger = std::max(a, b);
+  const unsigned smaller = std::min(a, b);
+  switch (count) {
+    case 0:
+      return p;
+    case 1:
+      return std::min(p, (p + a) / 2);
+    case 2:
+      return std::min(p, larger);
+    case 3: {
+      const unsigned middle = std::max(smaller, std::min(larger, c));
+      return std::min(p, (middle + std::min(p, std::max(larger, c))) / 2);
     }
-    samples_[place] = sample;
+    default: {
+      const unsigned d = neighbours[3];
+      const unsigned second_largest =
+          std::max(std::min(larger, std::max(c, d)), std::max(smaller, std::min(c, d)));
+      return std::min(p, second_largest);
+    }
   }
-
-  /// Of an even number the mean of the middle two, rounded down.
-  unsigned Median() const { return (samples_[(count_ - 1) / 2] + samples_[count_ / 2]) / 2U; }
-
- private:
-  std::uint8_t samples_[5] = {};
-  std::size_t count_ = 0;
-};
+}
 
 class ImpulseFilter {
  public:
@@ -80,16 +90,16 @@ class ImpulseFilter {
   void FilterBorder(const std::uint8_t* const (&rows)[5], std::size_t y, std::size_t from,
                     std::size_t to) {
     for (std::size_t x = from; x < to; ++x) {
-      SortedSamples samples;
-      samples.Add(rows[2][x]);
+      std::uint8_t neighbours[4] = {};
+      std::size_t count = 0;
       for (const Offset& offset : NeighboursOf(x, y)) {
         const std::uint8_t* const row = rows[2 + offset.y];
         const auto at = static_cast<std::ptrdiff_t>(x) + offset.x;
         if (row != nullptr && at >= 0 && at < static_cast<std::ptrdiff_t>(frame_.width)) {
-          samples.Add(row[at]);
+          neighbours[count++] = row[at];
         }
       }
-      Row(y)[x] = static_cast<std::uint8_t>(std::min<unsigned>(rows[2][x], samples.Median()));
+      Row(y)[x] = static_cast<std::uint8_t>(Limited(rows[2][x], neighbours, count));
     }
   }
 
@@ -115,7 +125,9 @@ Status ReduceImpulses(const RawFrame& frame, const FrameKernels& kernels) {
       !Is(frame, ColorArray::kBggr)) {
     return error::kInvalidParameter;
   }
-  ImpulseFilter(frame, kernels).Run();
+  if (frame.width != 0) {
+    ImpulseFilter(frame, kernels).Run();
+  }
   return error::kNone;
 }
 

@@ -36,10 +36,9 @@ class RowHistory {
       : width_(width), rows_(AllocateWorkBuffer<std::uint8_t>(std::uint64_t{width} * 3)) {}
 
   /// Keeps a copy of row y, in place of that of row y - 3.
-  void Keep(std::size_t y, const std::uint8_t* row) {
-    std::memcpy(rows_.get() + y % 3 * width_, row, width_);
-  }
-  const std::uint8_t* Row(std::size_t y) const { return rows_.get() + y % 3 * width_; }
+  void Keep(std::size_t y, const std::uint8_t* row) { std::memcpy(Row(y), row, width_); }
+  /// The place of row y.
+  std::uint8_t* Row(std::size_t y) { return rows_.get() + y % 3 * width_; }
 
  private:
   std::size_t width_;

@@ -150,6 +150,10 @@ TEST_F(NoiseReductionTest, KnownFrames) {
   EXPECT_EQ(frame, expected);
   ASSERT_TRUE(Run(VEXA_NOISE_REDUCTION_OFF, 9, 9, 9, &frame));
   EXPECT_EQ(frame, expected);
+
+  for (const std::uint32_t mode : {kImpulse, kStore, kDarkFrame}) {  // no pixels, no work
+    EXPECT_TRUE(Run(mode, 0, 0xFFFFFFFF, 1, &frame));
+  }
 }
 
 TEST_F(NoiseReductionTest, RefusalsLeaveTheFrame) {

@@ -13,8 +13,8 @@ class UsableVersions {
 #if defined(__SSE2__)
     __builtin_cpu_init();
     Add(kSse2FrameKernels);
-    if (__builtin_cpu_supports("ssse3")) {
-      Add(kSsse3FrameKernels);
+    if (__builtin_cpu_supports("sse4.1")) {
+      Add(kSse41FrameKernels);
     }
 #endif
 #if defined(VEXA_AVX2_FRAME_KERNELS)

@@ -63,8 +63,9 @@ struct FrameKernels {
   /// readable from -2 to n + 1.
   void (*limit_bayer)(const Sample* const* rows, bool green_first, Sample* out, std::size_t n);
 
-  /// samples[i] = max(0, samples[i] - dark[i])
-  void (*subtract)(const Sample* dark, Sample* samples, std::size_t n);
+  /// before[i] = samples[i], then samples[i] = max(0, samples[i] - dark[i]). Returns whether a
+  /// sample was saturated.
+  bool (*subtract)(const Sample* dark, Sample* samples, Sample* before, std::size_t n);
 
   /// The first i from `from` on with before[i] >= 253 and after[i] < 253; n if there is none.
   std::size_t (*find_desaturated)(const Sample* before, const Sample* after, std::size_t from,
@@ -78,8 +79,8 @@ extern const FrameKernels kReferenceFrameKernels;
 /// The baseline of x86 builds.
 extern const FrameKernels kSse2FrameKernels;
 
-/// Only for processors with SSSE3.
-extern const FrameKernels kSsse3FrameKernels;
+/// Only for processors with SSE4.1.
+extern const FrameKernels kSse41FrameKernels;
 #endif
 
 // For the reason why a build goes without these see dispatch.hpp.

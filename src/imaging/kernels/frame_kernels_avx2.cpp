@@ -16,7 +16,7 @@ struct Avx2 {
 
   static constexpr bool kShuffles = true;
 
-  static const FrameKernels& Smaller() { return kSsse3FrameKernels; }
+  static const FrameKernels& Smaller() { return kSse41FrameKernels; }
 
   static Vector Load(const void* in) { return _mm256_loadu_si256(static_cast<const Vector*>(in)); }
   static void Store(void* out, Vector v) { _mm256_storeu_si256(static_cast<Vector*>(out), v); }
@@ -51,6 +51,7 @@ struct Avx2 {
   static Vector Words(std::int16_t word) { return _mm256_set1_epi16(word); }
   static Vector Or(Vector a, Vector b) { return _mm256_or_si256(a, b); }
   static Vector Xor(Vector a, Vector b) { return _mm256_xor_si256(a, b); }
+  static Vector Pick(Vector mask, Vector a, Vector b) { return _mm256_blendv_epi8(b, a, mask); }
   static Vector And(Vector a, Vector b) { return _mm256_and_si256(a, b); }
   static Vector AndNot(Vector mask, Vector v) { return _mm256_andnot_si256(mask, v); }
   static Vector Equal(Vector a, Vector b) { return _mm256_cmpeq_epi8(a, b); }
@@ -64,7 +65,10 @@ struct Avx2 {
   static Vector AddWords(Vector a, Vector b) { return _mm256_add_epi16(a, b); }
   static Vector SubWords(Vector a, Vector b) { return _mm256_sub_epi16(a, b); }
   static Vector MultiplyHighRounded(Vector a, Vector b) { return _mm256_mulhrs_epi16(a, b); }
-  static Vector ShiftWordsLeft8(Vector v) { return _mm256_slli_epi16(v, 8); }
+  template <int kBits>
+  static Vector ShiftWordsLeft(Vector v) {
+    return _mm256_slli_epi16(v, kBits);
+  }
   template <int kBits>
   static Vector ShiftWordsRight(Vector v) {
     return _mm256_srli_epi16(v, kBits);
@@ -82,7 +86,7 @@ struct Avx2 {
   /// In both halves of v at once.
   static Vector Shuffle(Vector v, Vector order) { return _mm256_shuffle_epi8(v, order); }
   static Vector LookUp(const Sample* table, Vector indices) {
-    return LookUpByShuffles<Avx2>(table, indices);
+    return VectorLookUp<Avx2>::Of(table, indices);
   }
 };
 

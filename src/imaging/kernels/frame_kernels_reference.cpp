@@ -75,10 +75,14 @@ void LimitBayer(const Sample* const* rows, bool green_first, Sample* out, std::s
   }
 }
 
-void Subtract(const Sample* dark, Sample* samples, std::size_t n) {
+bool Subtract(const Sample* dark, Sample* samples, Sample* before, std::size_t n) {
+  bool is_saturated = false;
   for (std::size_t i = 0; i < n; ++i) {
+    before[i] = samples[i];
+    is_saturated |= samples[i] >= kSaturated;
     samples[i] = static_cast<Sample>(std::max(0, samples[i] - dark[i]));
   }
+  return is_saturated;
 }
 
 std::size_t FindDesaturated(const Sample* before, const Sample* after, std::size_t from,

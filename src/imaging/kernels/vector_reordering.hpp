@@ -55,6 +55,8 @@ struct VectorReordering {
                              std::ptrdiff_t out_stride) {
     Vector a[16];
     Vector b[16];
+    // Unrolled, so that the arrays are registers.
+#pragma GCC unroll 16
     for (int i = 0; i < 16; ++i) {
       a[i] = V::LoadRows(in, in_stride, i);
     }
@@ -62,6 +64,7 @@ struct VectorReordering {
     Interleave(b, a);
     Interleave(a, b);
     Interleave(b, a);
+#pragma GCC unroll 16
     for (int i = 0; i < 16; ++i) {
       V::Store(out + i * out_stride, a[i]);
     }

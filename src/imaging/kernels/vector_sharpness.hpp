@@ -84,13 +84,13 @@ struct VectorSharpness {
   }
 
   /// Means of the eight neighbours of kWidth / 2 pixels from i on, in words.
-  static Vector Means(const Neighbourhood& at, std::size_t i) {
+  [[gnu::always_inline]] static Vector Means(const Neighbourhood& at, std::size_t i) {
     const Vector beside = V::AddWords(V::Load(at.sums[0] + i), V::Load(at.sums[2] + i));
     const Vector here = V::SubWords(V::Load(at.sums[1] + i), V::Widen(at.luma + i));
     return V::template ShiftWordsRight<3>(V::AddWords(V::AddWords(beside, here), V::Words(4)));
   }
 
-  static Steps StepsOf(const Neighbourhood& at, std::size_t i) {
+  [[gnu::always_inline]] static Steps StepsOf(const Neighbourhood& at, std::size_t i) {
     const Vector mean = V::Narrow(Means(at, i), Means(at, i + kWidth / 2));
     const Vector level = V::Load(at.luma + i);
     const Vector above = V::SubClamped(level, mean);
@@ -103,11 +103,13 @@ struct VectorSharpness {
   /// Calls move(i, steps) for whole vectors of pixels. The last one is pushed back over pixels that
   /// have moved already, and there has steps of 0.
   template <class Rest, class MovePixels>
-  static void ForAllPixels(const Neighbourhood& at, Sample* pixels, std::size_t n, Rest rest,
-                           MovePixels move) {
+  static void ForAllPixels(const Neighbourhood& neighbourhood, Sample* pixels, std::size_t n,
+                           Rest rest, MovePixels move) {
     if (n < kWidth) {
-      return rest(at, pixels, n);
+      return rest(neighbourhood, pixels, n);
     }
+    // A copy, which no store of samples can change.
+    const Neighbourhood at = neighbourhood;
     std::size_t i = 0;
     for (; i + kWidth <= n; i += kWidth) {
       move(i, StepsOf(at, i));
@@ -183,7 +185,7 @@ struct VectorSharpness {
     const Vector odd =
         LumaOfWords(V::template ShiftWordsRight<8>(blue), V::template ShiftWordsRight<8>(green),
                     V::template ShiftWordsRight<8>(red));
-    return V::Or(even, V::ShiftWordsLeft8(odd));
+    return V::Or(even, V::template ShiftWordsLeft<8>(odd));
   }
 
   template <std::size_t kStep>

@@ -40,6 +40,8 @@ struct Sse2 {
   static Vector Or(Vector a, Vector b) { return _mm_or_si128(a, b); }
   static Vector And(Vector a, Vector b) { return _mm_and_si128(a, b); }
   static Vector AndNot(Vector mask, Vector v) { return _mm_andnot_si128(mask, v); }
+  /// a where the bytes of the mask are 0xFF, b where they are 0.
+  static Vector Pick(Vector mask, Vector a, Vector b) { return Or(And(mask, a), AndNot(mask, b)); }
   static Vector Equal(Vector a, Vector b) { return _mm_cmpeq_epi8(a, b); }
   static Vector Min(Vector a, Vector b) { return _mm_min_epu8(a, b); }
   static Vector Max(Vector a, Vector b) { return _mm_max_epu8(a, b); }

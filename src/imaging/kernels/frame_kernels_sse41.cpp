@@ -1,10 +1,10 @@
-// 16 samples at a time, for processors that can shuffle bytes: all but the very old; many small
-// ones have nothing better.
+// 16 samples at a time, for processors that can shuffle and pick bytes: all but the very old; many
+// small ones have nothing better.
 #include "imaging/kernels/frame_kernels.hpp"
 
 #if defined(__SSE2__)
-#include <tmmintrin.h>
-#pragma GCC target("ssse3")
+#include <smmintrin.h>
+#pragma GCC target("sse4.1")
 #include "imaging/kernels/vector_frames.hpp"
 #include "imaging/kernels/vector_look_up.hpp"
 #include "imaging/kernels/vector_sse2.hpp"
@@ -12,7 +12,7 @@
 namespace vexa::imaging {
 namespace {
 
-struct Ssse3 : Sse2 {
+struct Sse41 : Sse2 {
   static constexpr bool kShuffles = true;
 
   static Vector Reverse(Vector v) {
@@ -24,18 +24,26 @@ struct Ssse3 : Sse2 {
   static Vector LoadTwice(const Sample* in) { return Load(in); }
   static Vector Shuffle(Vector v, Vector order) { return _mm_shuffle_epi8(v, order); }
   static Vector Xor(Vector a, Vector b) { return _mm_xor_si128(a, b); }
-  static bool AllZero(Vector v) { return _mm_movemask_epi8(Equal(v, Zero())) == 0xFFFF; }
+  static Vector Pick(Vector mask, Vector a, Vector b) { return _mm_blendv_epi8(b, a, mask); }
+  static bool AllZero(Vector v) { return _mm_testz_si128(v, v) != 0; }
   static Vector MultiplyHighRounded(Vector a, Vector b) { return _mm_mulhrs_epi16(a, b); }
-  static Vector ShiftWordsLeft8(Vector v) { return _mm_slli_epi16(v, 8); }
+  template <int kBits>
+  static Vector ShiftWordsLeft(Vector v) {
+    return _mm_slli_epi16(v, kBits);
+  }
+
+  static Vector Widen(const Sample* in) {
+    return _mm_cvtepu8_epi16(_mm_loadl_epi64(reinterpret_cast<const Vector*>(in)));
+  }
 
   static Vector LookUp(const Sample* table, Vector indices) {
-    return LookUpByShuffles<Ssse3>(table, indices);
+    return VectorLookUp<Sse41>::Of(table, indices);
   }
 };
 
 }  // namespace
 
-constinit const FrameKernels kSsse3FrameKernels = MakeFrameKernels<Ssse3>("ssse3");
+constinit const FrameKernels kSse41FrameKernels = MakeFrameKernels<Sse41>("sse4.1");
 
 }  // namespace vexa::imaging
 #endif
