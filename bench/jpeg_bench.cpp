@@ -1,6 +1,6 @@
 // JPEG encoding of a 5 megapixel picture to memory, beside libjpeg-turbo with the same quality,
-// sampling and tables; with and without its vector code. One thread. What it prints last are the
-// ratios: above 1 means faster than the peer.
+// sampling and tables. One thread. The environment of the process decides whether libjpeg-turbo
+// uses its vector code; without it, the peer alone is measured. Names as in bench_support.hpp.
 #include <benchmark/benchmark.h>
 
 // jpeglib.h needs the first.
@@ -9,10 +9,7 @@
 #include <jpeglib.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <iostream>
 #include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -26,7 +23,6 @@ using vexa::test::Samples;
 
 constexpr int kWidth = 2592;
 constexpr int kHeight = 1944;
-constexpr int kRepetitions = 5;
 
 /// Memory that is there from the start, for both.
 class FixedMemory final : public vexa::output::CBaseStreamOutput {
@@ -114,100 +110,28 @@ void Peer(benchmark::State& state, int channels, int quality) {
   state.counters["bytes"] = static_cast<double>(size);
 }
 
-/// The case as it is called in names: colours and quality.
-struct Case {
-  std::string name;
-  int channels;
-  int quality;
-};
-
-const std::vector<Case>& Cases() {
-  static const std::vector<Case> cases = {
-      {"grey/90", 1, 90}, {"bgr/90", 3, 90}, {"grey/100", 1, 100}, {"bgr/100", 3, 100}};
-  return cases;
-}
+/// With this variable set libjpeg-turbo goes without its vector code.
+constexpr const char* kWithoutVectors = "JSIMD_FORCENONE";
 
 void Register() {
   const auto add = [](const std::string& name, auto... arguments) {
-    benchmark::RegisterBenchmark(name.c_str(), arguments...)
-        ->Unit(benchmark::kMillisecond)
-        ->MinTime(0.1)
-        ->Repetitions(kRepetitions);
+    benchmark::RegisterBenchmark(name.c_str(), arguments...)->Unit(benchmark::kMicrosecond);
   };
-  for (const Case& each : Cases()) {
-    add("libjpeg/" + each.name, Peer, each.channels, each.quality);
-    for (const JpegKernels* kernels : vexa::output::UsableJpegKernels()) {
-      add(std::string(kernels->name) + "/" + each.name, Ours, kernels, each.channels, each.quality);
-    }
-  }
-}
-
-using Times = std::map<std::string, double>;
-
-void KeepBest(Times* best, const std::string& name, double time) {
-  const auto [place, is_new] = best->emplace(name, time);
-  if (!is_new && time < place->second) {
-    place->second = time;
-  }
-}
-
-/// Prints as usual and keeps the best processor time of each benchmark: other programs on the
-/// machine can only make it worse.
-class BestTimes : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const auto& run : runs) {
-      if (run.run_type == Run::RT_Iteration) {
-        KeepBest(&best, run.run_name.function_name, run.GetAdjustedCPUTime());
+  const bool plain_peer = std::getenv(kWithoutVectors) != nullptr;
+  const struct {
+    const char* name;
+    int channels;
+    int quality;
+  } cases[] = {{"grey_90", 1, 90}, {"bgr_90", 3, 90}, {"grey_100", 1, 100}, {"bgr_100", 3, 100}};
+  for (const auto& [name, channels, quality] : cases) {
+    const std::string prefix = std::string("jpeg/") + name + "/";
+    add(prefix + (plain_peer ? "libjpeg_plain" : "libjpeg"), Peer, channels, quality);
+    if (!plain_peer) {
+      for (const JpegKernels* kernels : vexa::output::UsableJpegKernels()) {
+        add(prefix + kernels->name, Ours, kernels, channels, quality);
       }
+      add(prefix + "ours", Ours, &vexa::output::BestJpegKernels(), channels, quality);
     }
-    ConsoleReporter::ReportRuns(runs);
-  }
-  Times best;
-};
-
-constexpr const char* kWithoutVectors = "JSIMD_FORCENONE";
-constexpr const char* kResult = "result ";
-
-/// The peer reads its environment once; without vector code it needs a process of its own.
-Times RunPeerWithoutVectors() {
-  const std::string program = std::filesystem::read_symlink("/proc/self/exe").string();
-  const std::string command =
-      std::string(kWithoutVectors) + "=1 '" + program +
-      "' --benchmark_filter=^libjpeg/ --benchmark_enable_random_interleaving";
-  Times best;
-  std::FILE* const child = popen(command.c_str(), "r");
-  char line[512];
-  while (child != nullptr && std::fgets(line, sizeof line, child) != nullptr) {
-    std::istringstream words(line);
-    std::string keyword;
-    std::string name;
-    double time = 0;
-    if (words >> keyword >> name >> time && keyword + " " == kResult) {
-      KeepBest(&best, name, time);
-    }
-  }
-  if (child == nullptr || pclose(child) != 0) {
-    std::cerr << "jpeg_bench: the run without vector code has failed\n";
-    std::exit(1);
-  }
-  return best;
-}
-
-void PrintRatios(const Times& best, const Times& plain_peer) {
-  const std::string fastest = vexa::output::BestJpegKernels().name;
-  std::printf("\n%-10s %10s %14s %14s %8s %8s\n", "", fastest.c_str(), "libjpeg-turbo",
-              "without SIMD", "ratio", "ratio");
-  for (const Case& each : Cases()) {
-    const auto ours = best.find(fastest + "/" + each.name);
-    const auto peer = best.find("libjpeg/" + each.name);
-    const auto plain = plain_peer.find("libjpeg/" + each.name);
-    if (ours == best.end() || peer == best.end() || plain == plain_peer.end()) {
-      continue;  // filtered out
-    }
-    std::printf("%-10s %7.2f ms %11.2f ms %11.2f ms %8.2f %8.2f\n", each.name.c_str(), ours->second,
-                peer->second, plain->second, peer->second / ours->second,
-                plain->second / ours->second);
   }
 }
 
@@ -216,16 +140,7 @@ void PrintRatios(const Times& best, const Times& plain_peer) {
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   Register();
-  if (std::getenv(kWithoutVectors) != nullptr) {
-    BestTimes reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    for (const auto& [name, time] : reporter.best) {
-      std::cout << "\n" << kResult << name << " " << time << "\n";
-    }
-    return 0;
-  }
-  BestTimes reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  PrintRatios(reporter.best, RunPeerWithoutVectors());
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
   return 0;
 }

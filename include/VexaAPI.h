@@ -1693,6 +1693,61 @@ VEXA_API BOOL VEXA_CALL Vexa_SaveImageA(DWORD width, DWORD height, DWORD pixel_f
                                         DWORD jpeg_compression);
 /**@}*/
 
+/** @defgroup setting_file Setting files */
+/**@{*/
+
+/**
+ * Writes all settings of a camera, also those that the library keeps for it, into a text file.
+ *
+ * The file is a private-profile (INI) file. The names of its sections end with the camera's product
+ * ID, so that one file can hold the settings of several models; sections of other models, keys that
+ * the library does not know, and comments stay as they are. On Windows each key is written by the
+ * system's own function. Elsewhere the file is replaced as a whole, so that it is never half
+ * written; a new file is UTF-8, an existing one keeps its encoding (also UTF-16LE with byte-order
+ * mark), its line ends and its mode bits.
+ * @param camera    the camera; it must not transfer.
+ * @param file_name path of the file, at most 259 characters; relative paths count from the current
+ *                  folder.
+ * @return 0 with 0xE0000100 while a transfer runs, or has ended by itself and not been stopped; 87
+ *         for a null or empty path and 206 (ERROR_FILENAME_EXCED_RANGE) for a longer one; else the
+ *         error of the setting that could not be read (the file is untouched), or of writing the
+ *         file: 3 no such folder, 5 no permission or no regular file, 112 disk full, 161 a name
+ *         that the system cannot express, 223 an existing file of more than 4 MiB.
+ *
+ * No transfer may be started while it runs.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_WriteSettingFileW(HANDLE camera, const WCHAR* file_name);
+/** Vexa_WriteSettingFileW() with the path in the ANSI code page (UTF-8 where there are no code
+ * pages). @param camera,file_name as Vexa_WriteSettingFileW(). @return as there. */
+VEXA_API BOOL VEXA_CALL Vexa_WriteSettingFileA(HANDLE camera, const CHAR* file_name);
+
+/**
+ * Reads the settings of the camera's model from a file that Vexa_WriteSettingFileW() has written,
+ * and brings them to the camera.
+ *
+ * A setting that the file lacks keeps its present value; with no file at all, all do. Values are
+ * integers, decimal or hexadecimal after "0x", cut to the width of the setting. The settings are
+ * applied in a fixed order, from the clock to the mirror mode; the first that is refused ends the
+ * call, those before it stay set. Only a gamma table that is refused skips just the remaining gamma
+ * tables; the result tells it when no setting comes after them.
+ *
+ * Exposures are also read in their older form of lines ("ALCMinShutterLine", "ALCMaxShutterLine",
+ * "CurrentShutterLine") and clocks ("...Clock") when the newer key is missing or 4294967295.
+ * @param camera    the camera; it must not transfer.
+ * @param file_name path of the file, as Vexa_WriteSettingFileW(). What cannot be read counts as no
+ *                  file.
+ * @return 0 with 0xE0000100, 87 and 206 as Vexa_WriteSettingFileW(); else the error of the setting
+ *         that could not be read from the camera (nothing is changed) or was refused. A hue or
+ *         colour matrix mode that does not exist is refused without setting the last error.
+ *
+ * No transfer may be started while it runs.
+ */
+VEXA_API BOOL VEXA_CALL Vexa_ReadSettingFileW(HANDLE camera, const WCHAR* file_name);
+/** Vexa_ReadSettingFileW() with the path in the ANSI code page (UTF-8 where there are no code
+ * pages). @param camera,file_name as Vexa_ReadSettingFileW(). @return as there. */
+VEXA_API BOOL VEXA_CALL Vexa_ReadSettingFileA(HANDLE camera, const CHAR* file_name);
+/**@}*/
+
 #ifdef __cplusplus
 } /* extern "C" */
 #endif

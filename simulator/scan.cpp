@@ -49,27 +49,25 @@ Status Scan::Set(const ScanRequest& request) {
   if (request.width == 0 || request.height == 0) return error::kGeneralFailure;
   const bool colour = colour_array_ != 1;
   if (colour && ((request.width | request.height) & 1) != 0) return error::kGeneralFailure;
-  const bool skip_bin = request.mode == kSkipBinMode;
-  const std::uint64_t pitch_x = skip_bin ? skip_bin_.skip_x() * skip_bin_.bin_x() : 1;
-  const std::uint64_t pitch_y = skip_bin ? skip_bin_.skip_y() * skip_bin_.bin_y() : 1;
-  const std::uint64_t right = (std::uint64_t{request.offset_x} + request.width) * pitch_x;
-  const std::uint64_t bottom = (std::uint64_t{request.offset_y} + request.height) * pitch_y;
+  const std::uint64_t right = std::uint64_t{request.offset_x} + request.width;
+  const std::uint64_t bottom = std::uint64_t{request.offset_y} + request.height;
   if (right > sensor_.width || bottom > sensor_.height) return error::kGeneralFailure;
-  region_ = {static_cast<std::uint32_t>(request.width * pitch_x),
-             static_cast<std::uint32_t>(request.height * pitch_y),
-             static_cast<std::uint32_t>(request.offset_x * pitch_x),
-             static_cast<std::uint32_t>(request.offset_y * pitch_y), request.mode};
+  region_ = request;
   return error::kNone;
 }
 
 ScanRequest Scan::Current() const {
   // At least one pixel (one cell of the pattern) remains, whatever the pitch.
   const std::uint32_t unit = colour_array_ == 1 ? 1 : 2;
-  const auto extent = [unit](std::uint32_t sensor_pixels, std::uint32_t pitch) {
-    return std::max(sensor_pixels / pitch / unit * unit, unit);
+  ScanRequest frame = region_;
+  const auto fit = [unit](std::uint32_t available, std::uint32_t* offset, std::uint32_t* extent) {
+    available = std::max(available, unit);
+    *offset = std::min(*offset, available - unit);
+    *extent = std::min(*extent, (available - *offset) / unit * unit);
   };
-  return {extent(region_.width, PitchX()), extent(region_.height, PitchY()),
-          region_.offset_x / PitchX(), region_.offset_y / PitchY(), region_.mode};
+  fit(sensor_.width / PitchX(), &frame.offset_x, &frame.width);
+  fit(sensor_.height / PitchY(), &frame.offset_y, &frame.height);
+  return frame;
 }
 
 Geometry Scan::FrameGeometry() const {
@@ -79,8 +77,8 @@ Geometry Scan::FrameGeometry() const {
   geometry.colour_array = colour_array_;
   geometry.width = frame.width;
   geometry.height = frame.height;
-  geometry.origin_x = region_.offset_x;
-  geometry.origin_y = region_.offset_y;
+  geometry.origin_x = frame.offset_x * PitchX();
+  geometry.origin_y = frame.offset_y * PitchY();
   geometry.pitch_x = PitchX();
   geometry.pitch_y = PitchY();
   if (region_.mode == kSkipBinMode) {

@@ -38,13 +38,15 @@ struct LineTiming {
   std::uint32_t long_exposure_lines = 0;
 };
 
-/// The scan unit of one camera. The region is kept in sensor pixels, so that it survives a change
-/// of skipping and binning; these apply in scan mode 0x8000 only.
+/// The scan unit of one camera. The region is kept in frame pixels, as it was requested; skipping
+/// and binning, which apply in scan mode 0x8000 only, widen its field of view. Where the sensor
+/// ends the frame ends, too, until less skipping and binning let it have its size again. So region
+/// and skipping and binning may be set in either order.
 class Scan {
  public:
   explicit Scan(const CameraConfig& config);
 
-  /// Takes over a region, or refuses it with 31: unknown scan mode, empty, beyond the sensor, or
+  /// Takes over a region, or refuses it with 31: unknown scan mode, empty, more than the sensor, or
   /// of odd width or height on a colour sensor (a frame holds whole cells of the filter pattern;
   /// odd offsets are possible and shift the pattern).
   Status Set(const ScanRequest& request);
@@ -74,7 +76,7 @@ class Scan {
   std::uint16_t scan_modes_;
   bool own_limits_;
   SensorSize sensor_;
-  ScanRequest region_;  // in sensor pixels
+  ScanRequest region_;  // as requested
   SkipBin skip_bin_;
   std::uint16_t vertical_blanking_ = 0;
 };

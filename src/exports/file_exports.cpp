@@ -4,6 +4,7 @@
 
 #include "VexaAPI.h"
 #include "exports/call_frame.hpp"
+#include "exports/wide_text.hpp"
 #include "output/image_file.hpp"
 #include "platform/text.hpp"
 
@@ -11,14 +12,6 @@ using vexa::Status;
 using namespace vexa::exports;  // NOLINT(google-build-using-namespace): the frame of every function
 
 namespace {
-
-std::u16string CopyWide(const WCHAR* text) {
-  std::u16string copy;
-  for (; *text != 0; ++text) {
-    copy.push_back(static_cast<char16_t>(*text));
-  }
-  return copy;
-}
 
 Status Save(DWORD width, DWORD height, DWORD pixel_format, const BYTE* image,
             const std::u16string& file_name, DWORD jpeg_compression) {

@@ -87,7 +87,7 @@ Sums SumRegion(const AverageRequest& request, const Region& region) {
     const PairSums row =
         SumRow<Sample>(request.frame + static_cast<std::size_t>(first) * sizeof(Sample),
                        static_cast<std::size_t>(region.end_x - region.x));
-    const std::size_t left = 2 * (y & 1) + (region.x & 1);
+    const auto left = static_cast<std::size_t>(2 * (y & 1) + (region.x & 1));
     sums[left] += row.even;
     sums[left ^ 1] += row.odd;
   }

@@ -9,4 +9,8 @@ namespace vexa::platform {
 void SetLastErrorCode(Status status);
 Status LastErrorCode();
 
+/// Sets the code as that of a warning: on Windows with SetLastErrorEx and SLE_WARNING, for
+/// debuggers; elsewhere as SetLastErrorCode.
+void SetLastErrorWarning(Status status);
+
 }  // namespace vexa::platform

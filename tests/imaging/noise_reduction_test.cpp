@@ -25,14 +25,14 @@ struct Model {
   int Median(const Bytes& frame, int x, int y) const {
     const bool diagonal = array == 1 ? Inside(x, y, 1) : (x + y) % 2 == 1;
     const int distance = array == 1 || diagonal ? 1 : 2;
-    std::vector<int> values = {frame[At(x, y)]};
+    std::array<int, 5> values = {frame[At(x, y)]};
+    std::size_t n = 1;
     for (int k = 0; k < 4; ++k) {
       const int dx = (diagonal ? k % 2 * 2 - 1 : k < 2 ? k * 2 - 1 : 0) * distance;
       const int dy = (diagonal ? k / 2 * 2 - 1 : k < 2 ? 0 : k * 2 - 5) * distance;
-      if (Inside(x + dx, y + dy)) values.push_back(frame[At(x + dx, y + dy)]);
+      if (Inside(x + dx, y + dy)) values[n++] = frame[At(x + dx, y + dy)];
     }
-    std::sort(values.begin(), values.end());
-    const std::size_t n = values.size();
+    std::sort(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(n));
     return n % 2 == 1 ? values[n / 2] : (values[n / 2 - 1] + values[n / 2]) / 2;
   }
 

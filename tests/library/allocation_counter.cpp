@@ -20,7 +20,6 @@ void vexa::test::FailAllocation(std::uint64_t n) { until_failure = n; }
 vexa::test::AllocationLimit::AllocationLimit(std::size_t bytes) { largest = bytes; }
 vexa::test::AllocationLimit::~AllocationLimit() { largest = SIZE_MAX; }
 
-// The array forms of the standard library call these two.
 void* operator new(std::size_t size) {
   ++allocations;
   allocated_bytes += size;
@@ -34,7 +33,7 @@ void* operator new(std::size_t size) {
   throw std::bad_alloc();
 }
 
-// Sanitizers bring a nothrow form of their own that does not call the one above.
+// Sanitizers bring nothrow and array forms of their own that do not call the one above.
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
   try {
     return operator new(size);
@@ -43,5 +42,12 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
   }
 }
 
+void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept {
+  return operator new(size, tag);
+}
+
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete[](void* memory) noexcept { std::free(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }

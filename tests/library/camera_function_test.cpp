@@ -241,7 +241,7 @@ TEST_F(CameraFunctionTest, TheCameraActsOnThem) {
     return std::array<double, 4>{frame[0] - 1.0, frame[1] - 1.0, frame[kWidth] - 1.0,
                                  frame[kWidth + 1] - 1.0};
   };
-  const auto near = [](const std::array<double, 4>& expected) {
+  const auto all_near = [](const std::array<double, 4>& expected) {
     std::vector<::testing::Matcher<double>> matchers;
     for (const double value : expected) {
       matchers.push_back(::testing::DoubleNear(value, 2));
@@ -249,17 +249,17 @@ TEST_F(CameraFunctionTest, TheCameraActsOnThem) {
     return ElementsAreArray(matchers);
   };
   const std::array<double, 4> plain = cell();
-  EXPECT_THAT(plain, near({78, 39, 39, 19}));
+  EXPECT_THAT(plain, all_near({78, 39, 39, 19}));
   EXPECT_TRUE(Vexa_SetWhiteBalanceGain(camera_, 64, 192, 384, 1024));
-  EXPECT_THAT(cell(), near({39, 58, 117, 156}));
+  EXPECT_THAT(cell(), all_near({39, 58, 117, 156}));
   EXPECT_TRUE(Vexa_SetWhiteBalanceMode(camera_, VEXA_WHITE_BALANCE_OFF));
-  EXPECT_THAT(cell(), near(plain));
+  EXPECT_THAT(cell(), all_near(plain));
   EXPECT_TRUE(Vexa_SetDigitalClamp(camera_, 255));  // 12-bit counts
-  EXPECT_THAT(cell(), near({78 + 15, 39 + 15, 39 + 15, 19 + 15}));
+  EXPECT_THAT(cell(), all_near({78 + 15, 39 + 15, 39 + 15, 19 + 15}));
   EXPECT_TRUE(Vexa_SetDigitalClamp(camera_, 16));
   EXPECT_TRUE(Vexa_SetCameraGammaValue(camera_, 32));
   const auto root = [](double value) { return 256 * std::sqrt((value + 1) / 256) - 1; };
-  EXPECT_THAT(cell(), near({root(78), root(39), root(39), root(19)}));
+  EXPECT_THAT(cell(), all_near({root(78), root(39), root(39), root(19)}));
   EXPECT_TRUE(Vexa_SetCameraGammaValue(camera_, 0));
   // Mirroring exchanges columns or rows of the pattern, as the frame's colour array says.
   const std::array<std::array<double, 4>, 3> mirrored{{
@@ -269,7 +269,7 @@ TEST_F(CameraFunctionTest, TheCameraActsOnThem) {
   }};
   for (std::size_t i = 0; i < mirrored.size(); ++i) {
     EXPECT_TRUE(Vexa_SetMirrorMode(camera_, static_cast<BYTE>((i + 1) << 4)));
-    EXPECT_THAT(cell(), near(mirrored[i]));
+    EXPECT_THAT(cell(), all_near(mirrored[i]));
     WORD colour = 0;
     EXPECT_TRUE(Vexa_GetColorArray(camera_, &colour));
     EXPECT_EQ(colour, VEXA_COLOR_ARRAY_GRBG + i);
@@ -278,9 +278,9 @@ TEST_F(CameraFunctionTest, TheCameraActsOnThem) {
   EXPECT_TRUE(Vexa_SetSkippingAndBinning(camera_, 0, 0, 1, 1));
   EXPECT_TRUE(Vexa_SetScanMode(camera_, 0x8000, 0, 0, kWidth, kHeight));
   EXPECT_TRUE(Vexa_SetVBlankForFPS(camera_, 2000));  // so small a frame is too short otherwise
-  EXPECT_THAT(cell(), near(plain));
+  EXPECT_THAT(cell(), all_near(plain));
   EXPECT_TRUE(Vexa_SetBinningSumMode(camera_, 1));
-  EXPECT_THAT(cell(), near({254, 4 * plain[1], 4 * plain[2], 4 * plain[3]}));
+  EXPECT_THAT(cell(), all_near({254, 4 * plain[1], 4 * plain[2], 4 * plain[3]}));
 }
 
 TEST_F(CameraFunctionTest, TheDefectTableHidesDefectPixels) {

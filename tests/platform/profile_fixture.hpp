@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -20,19 +21,18 @@ inline std::string Utf16Le(const std::string& text) {
   return bytes;
 }
 
-class ProfileTest : public ::testing::Test {
+class TemporaryProfile {
  protected:
-  ProfileTest() {
-    const std::string name =
-        ::testing::UnitTest::GetInstance()->current_test_info()->test_suite_name();
+  TemporaryProfile() {
+    const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
+    const auto seed = std::chrono::steady_clock::now().time_since_epoch().count();
     folder_ = std::filesystem::temp_directory_path() /
-              ("vexa-profile-" + name + std::to_string(reinterpret_cast<std::uintptr_t>(this)));
-    std::filesystem::remove_all(folder_);
+              ("vexa-" + std::string(test->name()) + std::to_string(seed));
     std::filesystem::create_directories(folder_);
     file_ = folder_ / "settings.ini";
     path_ = file_.u16string();
   }
-  ~ProfileTest() override { std::filesystem::remove_all(folder_); }
+  ~TemporaryProfile() { std::filesystem::remove_all(folder_); }
 
   void Put(const std::string& bytes) { std::ofstream(file_, std::ios::binary) << bytes; }
   std::string Get() const {
@@ -57,5 +57,7 @@ class ProfileTest : public ::testing::Test {
   std::filesystem::path file_;
   std::u16string path_;
 };
+
+class ProfileTest : public ::testing::Test, public TemporaryProfile {};
 
 }  // namespace vexa::test

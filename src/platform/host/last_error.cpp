@@ -9,6 +9,8 @@ thread_local Status last_error;
 
 void SetLastErrorCode(Status status) { last_error = status; }
 
+void SetLastErrorWarning(Status status) { SetLastErrorCode(status); }
+
 Status LastErrorCode() { return last_error; }
 
 }  // namespace vexa::platform
