@@ -170,8 +170,8 @@ VEXA_API void SetLastError(DWORD code);
 /**@{*/
 #define VEXA_COLOR_MATRIX_OFF 0    /**< The identity. */
 #define VEXA_COLOR_MATRIX_USER 255 /**< The caller's matrix. */
-#define VEXA_HUE_SATURATION_OFF 0
-#define VEXA_HUE_SATURATION_ON 1
+#define VEXA_HUE_SATURATION_OFF 0  /**< Colours as they are. */
+#define VEXA_HUE_SATURATION_ON 1   /**< Hue and saturation as set. */
 /**@}*/
 
 /** @name Time-outs of Vexa_SetTimeOut() */
@@ -292,9 +292,9 @@ VEXA_API void SetLastError(DWORD code);
 
 /** @name Quarter turns after the mirrors of Vexa_MirrorRotation() */
 /**@{*/
-#define VEXA_ROTATION_NONE 0
-#define VEXA_ROTATION_CLOCKWISE 1
-#define VEXA_ROTATION_COUNTERCLOCKWISE 2
+#define VEXA_ROTATION_NONE 0             /**< None. */
+#define VEXA_ROTATION_CLOCKWISE 1        /**< To the right. */
+#define VEXA_ROTATION_COUNTERCLOCKWISE 2 /**< To the left. */
 /**@}*/
 
 /** @name White-balance modes of Vexa_SetWhiteBalanceMode() */

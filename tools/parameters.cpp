@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <iterator>
 #include <optional>
-#include <utility>
 
 #include "output_pattern.hpp"
 #include "text.hpp"
@@ -222,11 +221,15 @@ void WriteParameter(const Camera& camera, const Parameter& parameter, std::strin
                     Format("\"%s\" is no value of %s", std::string(value).c_str(), parameter.name),
                     "It is a whole number, " + RangeOf(parameter) + ", decimal or 0x...");
   }
-  const auto [name, function] =
-      parameter.kind == Kind::kByte   ? std::pair("Vexa_SetParamByte", Vexa_SetParamByte)
-      : parameter.kind == Kind::kWord ? std::pair("Vexa_SetParamWord", Vexa_SetParamWord)
-                                      : std::pair("Vexa_SetParamDWord", Vexa_SetParamDWord);
-  camera.Call(name, function, parameter.id, static_cast<DWORD>(*number));
+  const DWORD id = parameter.id;
+  const DWORD new_value = *number;
+  if (parameter.kind == Kind::kByte) {
+    camera.Call("Vexa_SetParamByte", Vexa_SetParamByte, id, new_value);
+  } else if (parameter.kind == Kind::kWord) {
+    camera.Call("Vexa_SetParamWord", Vexa_SetParamWord, id, new_value);
+  } else {
+    camera.Call("Vexa_SetParamDWord", Vexa_SetParamDWord, id, new_value);
+  }
 }
 
 }  // namespace vexa::tool
