@@ -33,11 +33,12 @@ struct Content {
 }  // namespace
 
 struct ProfileReader::Impl {
+  explicit Impl(const std::u16string& path) : content(path) {}
+
   Content content;
 };
 
-ProfileReader::ProfileReader(const std::u16string& path)
-    : impl_(std::make_unique<Impl>(Content(path))) {}
+ProfileReader::ProfileReader(const std::u16string& path) : impl_(std::make_unique<Impl>(path)) {}
 
 ProfileReader::~ProfileReader() = default;
 
@@ -48,11 +49,12 @@ std::uint32_t ProfileReader::ReadInteger(const std::string& section, const std::
 }
 
 struct ProfileWriter::Impl {
+  explicit Impl(const std::u16string& path) : content(path) {}
+
   Content content;
 };
 
-ProfileWriter::ProfileWriter(const std::u16string& path)
-    : impl_(std::make_unique<Impl>(Content(path))) {}
+ProfileWriter::ProfileWriter(const std::u16string& path) : impl_(std::make_unique<Impl>(path)) {}
 
 ProfileWriter::~ProfileWriter() = default;
 

@@ -169,17 +169,17 @@ void ProfileText::Set(std::string_view section, std::string_view key, std::strin
     found->title = section;
     found->indexed = true;
   }
-  const auto entry = found->keys.find(Fold(key));
+  const std::string name = Fold(key);
+  const auto entry = found->keys.find(name);
   if (entry != found->keys.end()) {
     entry->second.replacement = std::string(key) + "=" + std::string(value);
     return;
   }
-  const auto same = std::find_if(found->added.begin(), found->added.end(),
-                                 [&](const auto& added) { return Fold(added.first) == Fold(key); });
-  if (same != found->added.end()) {
-    same->second = value;
-  } else {
+  const auto [same, is_new] = found->added_by_name.emplace(name, found->added.size());
+  if (is_new) {
     found->added.emplace_back(key, value);
+  } else {
+    found->added[same->second].second = value;
   }
 }
 

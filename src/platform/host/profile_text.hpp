@@ -45,7 +45,8 @@ class ProfileText {
     bool indexed = false;
     std::size_t insert_at = 0;  // behind the last line that is not blank
     std::map<std::string, Key> keys;
-    std::vector<std::pair<std::string, std::string>> added;
+    std::vector<std::pair<std::string, std::string>> added;  // keys and values
+    std::map<std::string, std::size_t> added_by_name;
   };
 
   /// A line from `begin` on: where it ends without and with its line end.
