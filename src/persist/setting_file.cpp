@@ -7,6 +7,12 @@
 namespace vexa::persist {
 namespace {
 
+std::string Numbered(const char* prefix, std::size_t number) {
+  std::string name(prefix);
+  name += std::to_string(number);
+  return name;
+}
+
 // What an absent key reads as, where it has to be told from all sensible values.
 constexpr std::uint32_t kAbsent = 0xFFFFFFFF;
 
@@ -171,7 +177,7 @@ void CSettingFile::VisitRegisters(Visitor& visitor) {
   visitor.Key("IODirection", values_.pin_direction);
   visitor.Key("IOPolarity", values_.pin_polarity);
   for (std::size_t i = 0; i < kPins; ++i) {
-    visitor.Key("IOMode_" + std::to_string(i), values_.pin_modes[i]);
+    visitor.Key(Numbered("IOMode_", i), values_.pin_modes[i]);
   }
   if (has_.led) {
     visitor.Key("LED", values_.led);
@@ -195,7 +201,7 @@ void CSettingFile::VisitColors(Visitor& visitor) {
   visitor.Section("ColorMatrix");
   visitor.Key("ColorMatrixMode", values_.matrix_mode);
   for (std::size_t i = 0; i < kMatrixEntries; ++i) {
-    visitor.Key("ColorMatrix_" + std::to_string(i), values_.matrix[i]);
+    visitor.Key(Numbered("ColorMatrix_", i), values_.matrix[i]);
   }
   for (std::size_t i = 0; i < GammaCount(); ++i) {
     Gamma& gamma = values_.gammas[i];
@@ -205,7 +211,7 @@ void CSettingFile::VisitColors(Visitor& visitor) {
     visitor.Key("Brightness", gamma.brightness);
     visitor.Key("Contrast", gamma.contrast);
     for (std::size_t level = 0; level < gamma.table.size(); ++level) {
-      visitor.Key("GammaTable_" + std::to_string(level), gamma.table[level]);
+      visitor.Key(Numbered("GammaTable_", level), gamma.table[level]);
     }
   }
 }

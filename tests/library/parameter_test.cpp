@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <functional>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "settings_fixture.hpp"
@@ -82,6 +84,10 @@ TEST_F(ParameterTest, EveryOtherIdentifierIsRefused) {
   EXPECT_TRUE(Wire(*twin_).empty());
 }
 
+using Wide = std::basic_string<WCHAR>;
+
+Wide ToWide(std::u16string_view text) { return {text.begin(), text.end()}; }
+
 TEST_F(ParameterTest, SettingsGoTheWayOfTheFunctionsNamed) {
   HANDLE camera = OpenComplete();
   ASSERT_TRUE(Vexa_WriteCameraUserIDA(camera, 5, "left eye", 9));
@@ -112,7 +118,8 @@ TEST_F(ParameterTest, SettingsGoTheWayOfTheFunctionsNamed) {
       {'w', 0x1302, 142, [&] { return Vexa_SetWhiteBalanceGain(camera, 140, 141, 142, 133); }},
       {'w', 0x1303, 143, [&] { return Vexa_SetWhiteBalanceGain(camera, 140, 141, 142, 143); }},
       {'b', 0x1500, 1, [&] { return Vexa_SetWhiteBalanceMode(camera, 1); }},
-      {'d', 0x1B00, 99, [&] { return Vexa_WriteCameraUserIDW(camera, 99, u"left eye", 18); }},
+      {'d', 0x1B00, 99,
+       [&] { return Vexa_WriteCameraUserIDW(camera, 99, ToWide(u"left eye").c_str(), 18); }},
       {'n', 0x1F00, 0, [&] { return Vexa_SoftTrigger(camera); }},
       {'n', 0x1F01, 0, [&] { return Vexa_SoftSubTrigger(camera); }},
       {'n', 0x2200, 0, [&] { return Vexa_ResetCounter(camera); }},
@@ -165,12 +172,13 @@ TEST_F(ParameterTest, SettingsGoTheWayOfTheFunctionsNamed) {
 TEST_F(ParameterTest, TextsTimeOutsImagesAndWhatIsOnlyRead) {
   HANDLE camera = OpenComplete();
   ASSERT_TRUE(Vexa_WriteCameraUserIDA(camera, 7, "one", 4));
+  const Wide green = ToWide(u"gr\u00fcn");
   WCHAR wide[32] = {};
   CHAR narrow[64] = {};
   DWORD number = 0;
-  EXPECT_TRUE(Vexa_SetParamStringW(camera, 0x1B01, u"gr\u00fcn", 10));
+  EXPECT_TRUE(Vexa_SetParamStringW(camera, 0x1B01, green.c_str(), 10));
   EXPECT_TRUE(Vexa_GetParamStringW(camera, 0x1B01, wide, sizeof wide));
-  EXPECT_EQ(std::u16string(wide), u"gr\u00fcn");
+  EXPECT_EQ(Wide(wide), green);
   EXPECT_TRUE(Vexa_SetParamStringA(camera, 0x1B01, "two", 4));
   EXPECT_TRUE(Vexa_GetParamStringA(camera, 0x1B01, narrow, sizeof narrow));
   EXPECT_STREQ(narrow, "two");
