@@ -273,6 +273,23 @@ struct VectorPixels {
     Plain<kFrom, kTo>(source, target, n);
   }
 
+  /// Every byte three times.
+  static void GreyToBgr24(const std::uint8_t* source, std::uint8_t* target, std::size_t n) {
+    if constexpr (V::kShuffles) {
+      static constexpr std::uint8_t kOrders[3][16] = {
+          {0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5},
+          {5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10},
+          {10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15}};
+      for (; n >= kStep; n -= kStep, source += kStep, target += 3 * kStep) {
+        const Bytes v = V::LoadLanes(source, kLane);
+        V::StoreLanes(target, 3 * kLane, V::Shuffle(v, V::Order(kOrders[0])));
+        V::StoreLanes(target + 16, 3 * kLane, V::Shuffle(v, V::Order(kOrders[1])));
+        V::StoreLanes(target + 32, 3 * kLane, V::Shuffle(v, V::Order(kOrders[2])));
+      }
+    }
+    Convert<Grey8, Bgr24, kFromGrey8, kToBgr24>(source, target, n);
+  }
+
   static void Narrow(const std::uint8_t* words, unsigned shift, std::uint8_t* target,
                      std::size_t n) {
     const auto count = V::Count(shift);
@@ -633,7 +650,7 @@ struct VectorPixels {
   static constexpr PixelKernels Kernels(const char* name) {
     return {
         .name = name,
-        .convert = {{Plain<kFromGrey8, kToGrey8>, Convert<Grey8, Bgr24, kFromGrey8, kToBgr24>,
+        .convert = {{Plain<kFromGrey8, kToGrey8>, GreyToBgr24,
                      Convert<Grey8, Bgr32, kFromGrey8, kToBgr32>},
                     {Convert<Bgr24, Grey8, kFromBgr24, kToGrey8>, Plain<kFromBgr24, kToBgr24>,
                      Convert<Bgr24, Bgr32, kFromBgr24, kToBgr32>},
