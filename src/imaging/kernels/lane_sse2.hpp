@@ -1,5 +1,5 @@
 /// \file
-/// Vectors of one lane for VectorPixels, with what every x86 processor has. Included by the files
+/// Vectors of one lane for VectorLayouts, with what every x86 processor has. Included by the files
 /// of the instruction sets that use it; see there for the rules.
 #pragma once
 
