@@ -51,7 +51,9 @@
 #ifndef __cplusplus
 #include <uchar.h>
 #endif
+/** Calling convention of functions and callbacks. */
 #define VEXA_CALL
+/** Marks what the library exports. */
 #define VEXA_API __attribute__((visibility("default")))
 #endif
 
@@ -74,9 +76,11 @@ typedef struct VexaHostSurface* HDC; /**< Drawing surface. */
 /**@}*/
 
 #ifndef TRUE
+/** A BOOL: yes, or success. */
 #define TRUE 1
 #endif
 #ifndef FALSE
+/** A BOOL: no, or failure. */
 #define FALSE 0
 #endif
 #ifndef INVALID_HANDLE_VALUE
@@ -166,8 +170,8 @@ VEXA_API void SetLastError(DWORD code);
 /**@{*/
 #define VEXA_COLOR_MATRIX_OFF 0    /**< The identity. */
 #define VEXA_COLOR_MATRIX_USER 255 /**< The caller's matrix. */
-#define VEXA_HUE_SATURATION_OFF 0
-#define VEXA_HUE_SATURATION_ON 1
+#define VEXA_HUE_SATURATION_OFF 0  /**< Colours as they are. */
+#define VEXA_HUE_SATURATION_ON 1   /**< Hue and saturation as set. */
 /**@}*/
 
 /** @name Time-outs of Vexa_SetTimeOut() */
@@ -180,12 +184,63 @@ VEXA_API void SetLastError(DWORD code);
 
 /** @name Trigger timing identifiers of Vexa_SetTriggerTiming() */
 /**@{*/
-#define VEXA_TIMING_EXPOSURE_DELAY 0
-#define VEXA_TIMING_STROBE_START_DELAY 1
-#define VEXA_TIMING_STROBE_END_DELAY 2
-#define VEXA_TIMING_TRIGGER_PULSE_DELAY 3
-#define VEXA_TIMING_TRIGGER_PULSE_DURATION 4
-#define VEXA_TIMING_READ_OUT_DELAY 5
+#define VEXA_TIMING_EXPOSURE_DELAY 0         /**< Exposure delay. */
+#define VEXA_TIMING_STROBE_START_DELAY 1     /**< Start of the strobe. */
+#define VEXA_TIMING_STROBE_END_DELAY 2       /**< End of the strobe. */
+#define VEXA_TIMING_TRIGGER_PULSE_DELAY 3    /**< Start of the trigger pulse. */
+#define VEXA_TIMING_TRIGGER_PULSE_DURATION 4 /**< Length of the trigger pulse. */
+#define VEXA_TIMING_READ_OUT_DELAY 5         /**< Read-out delay. */
+/**@}*/
+
+/** @name Parameter identifiers of Vexa_SetParamDWord() and its sisters
+ * In brackets the kind, which chooses the function, and what is allowed. The meaning, unit and
+ * range of a value are those of the function named. */
+/**@{*/
+#define VEXA_PARAM_START_TRANSFER 0x0300       /**< [none, set] Vexa_StartTransfer() */
+#define VEXA_PARAM_STOP_TRANSFER 0x0400        /**< [none, set] Vexa_StopTransfer() */
+#define VEXA_PARAM_GAIN 0x0800                 /**< [word, set, get] Vexa_SetGain() */
+#define VEXA_PARAM_SCAN_MODE 0x0A00            /**< [word, set, get] mode of Vexa_SetScanMode() */
+#define VEXA_PARAM_OFFSET_X 0x0A01             /**< [dword, set, get] of Vexa_SetScanMode() */
+#define VEXA_PARAM_OFFSET_Y 0x0A02             /**< [dword, set, get] of Vexa_SetScanMode() */
+#define VEXA_PARAM_WIDTH 0x0A03                /**< [dword, set, get] of Vexa_SetScanMode() */
+#define VEXA_PARAM_HEIGHT 0x0A04               /**< [dword, set, get] of Vexa_SetScanMode() */
+#define VEXA_PARAM_CLOCK_MODE 0x0C00           /**< [dword, set, get] mode of Vexa_SetClock() */
+#define VEXA_PARAM_CLOCK_FREQUENCY 0x0C01      /**< [dword, set, get] of Vexa_SetClock() */
+#define VEXA_PARAM_LINES_PER_FRAME 0x0E00      /**< [word, get] of Vexa_GetFrameClock() */
+#define VEXA_PARAM_CLOCKS_PER_LINE 0x0E01      /**< [word, get] of Vexa_GetFrameClock() */
+#define VEXA_PARAM_EXPOSURE_CLOCK 0x0F00       /**< [dword, set, get] Vexa_SetExposureClock() */
+#define VEXA_PARAM_COLOR_ARRAY 0x1100          /**< [word, get] Vexa_GetColorArray() */
+#define VEXA_PARAM_WHITE_BALANCE_GAIN_R 0x1300 /**< [word, set, get] Vexa_SetWhiteBalanceGain() */
+#define VEXA_PARAM_WHITE_BALANCE_GAIN_GR                   \
+  0x1301 /**< [word, set, get] the same, green on red rows \
+          */
+#define VEXA_PARAM_WHITE_BALANCE_GAIN_GB \
+  0x1302                                       /**< [word, set, get] the same, green on blue rows */
+#define VEXA_PARAM_WHITE_BALANCE_GAIN_B 0x1303 /**< [word, set, get] the same, blue */
+#define VEXA_PARAM_WHITE_BALANCE_MODE 0x1500   /**< [byte, set, get] Vexa_SetWhiteBalanceMode() */
+#define VEXA_PARAM_WHITE_BALANCE 0x1700      /**< [pointer, set] Vexa_WhiteBalance() on the image */
+#define VEXA_PARAM_CAMERA_VERSION 0x1A00     /**< [word, get] version, Vexa_GetCameraVersion() */
+#define VEXA_PARAM_PRODUCT_ID 0x1A01         /**< [word, get] of Vexa_GetCameraVersion() */
+#define VEXA_PARAM_VARIANT 0x1A02            /**< [word, get] of Vexa_GetCameraVersion() */
+#define VEXA_PARAM_FIRMWARE_VERSION 0x1A03   /**< [word, get] of Vexa_GetCameraVersion() */
+#define VEXA_PARAM_USER_ID_NUMBER 0x1B00     /**< [dword, set, get] Vexa_WriteCameraUserIDW() */
+#define VEXA_PARAM_USER_ID_TEXT 0x1B01       /**< [string, set, get] Vexa_WriteCameraUserIDW() */
+#define VEXA_PARAM_SOFT_TRIGGER 0x1F00       /**< [none, set] Vexa_SoftTrigger() */
+#define VEXA_PARAM_SOFT_SUB_TRIGGER 0x1F01   /**< [none, set] Vexa_SoftSubTrigger() */
+#define VEXA_PARAM_TRIGGER_MODE 0x2000       /**< [dword, set, get] Vexa_SetTriggerMode() */
+#define VEXA_PARAM_RESET_COUNTER 0x2200      /**< [none, set] Vexa_ResetCounter() */
+#define VEXA_PARAM_CLEAR_BUFFER 0x2300       /**< [none, set] Vexa_ClearBuffer() */
+#define VEXA_PARAM_TRIGGER_READ_OUT 0x2400   /**< [none, set] Vexa_TriggerReadOut() */
+#define VEXA_PARAM_TRIGGER_TIMING 0x2500     /**< [dword, set, get] add a VEXA_TIMING_ identifier */
+#define VEXA_PARAM_TIMEOUT 0x2700            /**< [dword, set, get] add a VEXA_TIMEOUT_ index */
+#define VEXA_PARAM_DIGITAL_GAIN 0x2900       /**< [word, set, get] Vexa_SetDigitalGain() */
+#define VEXA_PARAM_IO_PIN_DIRECTION 0x2B00   /**< [dword, set, get] Vexa_SetIOPinDirection() */
+#define VEXA_PARAM_IO_PIN_POLARITY 0x2D00    /**< [dword, set, get] Vexa_SetIOPinPolarity() */
+#define VEXA_PARAM_IO_PIN_STATUS 0x2F00      /**< [dword, set, get] Vexa_SetIOPinStatus() */
+#define VEXA_PARAM_IO_PIN_MODE 0x3100        /**< [dword, set, get] add the pin, 0 to 3 */
+#define VEXA_PARAM_SOFTWARE_STATUS 0x3300    /**< [dword, get] Vexa_GetSwStatus() */
+#define VEXA_PARAM_READ_SETTING_FILE 0x3700  /**< [string, set] Vexa_ReadSettingFileW() */
+#define VEXA_PARAM_WRITE_SETTING_FILE 0x3900 /**< [string, set] Vexa_WriteSettingFileW() */
 /**@}*/
 
 /** @name Window messages of Vexa_SetRcvMsgWnd()
@@ -210,8 +265,8 @@ VEXA_API void SetLastError(DWORD code);
 
 /** @name Mirror mode bits of Vexa_SetMirrorMode() */
 /**@{*/
-#define VEXA_CAMERA_MIRROR_HORIZONTAL 0x10
-#define VEXA_CAMERA_MIRROR_VERTICAL 0x20
+#define VEXA_CAMERA_MIRROR_HORIZONTAL 0x10 /**< Left and right exchanged. */
+#define VEXA_CAMERA_MIRROR_VERTICAL 0x20   /**< Top and bottom exchanged. */
 /**@}*/
 
 /** @name Operations of Vexa_MirrorRotation()
@@ -237,9 +292,9 @@ VEXA_API void SetLastError(DWORD code);
 
 /** @name Quarter turns after the mirrors of Vexa_MirrorRotation() */
 /**@{*/
-#define VEXA_ROTATION_NONE 0
-#define VEXA_ROTATION_CLOCKWISE 1
-#define VEXA_ROTATION_COUNTERCLOCKWISE 2
+#define VEXA_ROTATION_NONE 0             /**< None. */
+#define VEXA_ROTATION_CLOCKWISE 1        /**< To the right. */
+#define VEXA_ROTATION_COUNTERCLOCKWISE 2 /**< To the left. */
 /**@}*/
 
 /** @name White-balance modes of Vexa_SetWhiteBalanceMode() */
@@ -1090,6 +1145,59 @@ VEXA_API BOOL VEXA_CALL Vexa_GetLastLostFrameHeader(HANDLE camera, BYTE* header)
 VEXA_API DWORD VEXA_CALL Vexa_SetTransferMode(HANDLE camera, DWORD mode);
 /** The stored transfer mode. @param camera the camera. @param[out] mode 0 until set. */
 VEXA_API BOOL VEXA_CALL Vexa_GetTransferMode(HANDLE camera, DWORD* mode);
+/**@}*/
+
+/** @defgroup parameters Settings and actions by number
+ *
+ * For applications that drive a camera from a table: most settings and actions under a number, a
+ * VEXA_PARAM_ identifier. Each leads to the function that the identifier names, with that
+ * function's ranges, errors and threading; the handle is checked there. An identifier that is
+ * unknown, or of another kind than the function takes, gives 0 with 87, and nothing is sent.
+ *
+ * Where an identifier stands for one value of several (a coordinate of the region of interest, a
+ * white-balance gain, the clock's mode or frequency, the number or text of the user ID), setting it
+ * reads the present values, replaces the one and writes all of them; a failed reading ends the
+ * call. Two threads that set values of the same setting can undo each other's change. */
+/**@{*/
+
+/** Carries out an action. @param camera the camera. @param id identifier of kind none. */
+VEXA_API BOOL VEXA_CALL Vexa_SetParamNone(HANDLE camera, DWORD id);
+/** Sets a value of 8 bits. @param camera the camera. @param id identifier of kind byte.
+ * @param value the low 8 bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetParamByte(HANDLE camera, DWORD id, DWORD value);
+/** Reads a value of 8 bits. @param camera the camera. @param id identifier of kind byte.
+ * @param[out] value 0 on failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetParamByte(HANDLE camera, DWORD id, BYTE* value);
+/** Sets a value of 16 bits. @param camera the camera. @param id identifier of kind word.
+ * @param value the low 16 bits count. */
+VEXA_API BOOL VEXA_CALL Vexa_SetParamWord(HANDLE camera, DWORD id, DWORD value);
+/** Reads a value of 16 bits. @param camera the camera. @param id identifier of kind word.
+ * @param[out] value 0 on failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetParamWord(HANDLE camera, DWORD id, WORD* value);
+/** Sets a value of 32 bits. @param camera the camera. @param id identifier of kind dword.
+ * @param value in the unit of the function that the identifier names. */
+VEXA_API BOOL VEXA_CALL Vexa_SetParamDWord(HANDLE camera, DWORD id, DWORD value);
+/** Reads a value of 32 bits. @param camera the camera. @param id identifier of kind dword.
+ * @param[out] value 0 on failure. */
+VEXA_API BOOL VEXA_CALL Vexa_GetParamDWord(HANDLE camera, DWORD id, DWORD* value);
+/** Passes a string. @param camera the camera. @param id identifier of kind string.
+ * @param text the user ID's text, or the path of a setting file.
+ * @param size of the user ID's text, bytes; not used for a path. */
+VEXA_API BOOL VEXA_CALL Vexa_SetParamStringW(HANDLE camera, DWORD id, const WCHAR* text,
+                                             DWORD size);
+/** Reads a string. @param camera the camera. @param id identifier of kind string.
+ * @param[out] text as Vexa_ReadCameraUserIDW() fills it. @param size of text, bytes. */
+VEXA_API BOOL VEXA_CALL Vexa_GetParamStringW(HANDLE camera, DWORD id, WCHAR* text, DWORD size);
+/** Vexa_SetParamStringW() in the ANSI code page. @param camera,id,text,size as there. */
+VEXA_API BOOL VEXA_CALL Vexa_SetParamStringA(HANDLE camera, DWORD id, const CHAR* text, DWORD size);
+/** Vexa_GetParamStringW() in the ANSI code page. @param camera,id,text,size as there. */
+VEXA_API BOOL VEXA_CALL Vexa_GetParamStringA(HANDLE camera, DWORD id, CHAR* text, DWORD size);
+/** Passes a pointer. @param camera the camera. @param id identifier of kind pointer.
+ * @param pointer the image of Vexa_WhiteBalance(). */
+VEXA_API BOOL VEXA_CALL Vexa_SetParamPtr(HANDLE camera, DWORD id, void* pointer);
+/** No identifier can be read as a pointer. @param camera,id not used.
+ * @param[out] pointer null. @return always 0, with 87. */
+VEXA_API BOOL VEXA_CALL Vexa_GetParamPtr(HANDLE camera, DWORD id, void** pointer);
 /**@}*/
 
 /** @defgroup power Processor idle state */

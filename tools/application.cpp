@@ -40,6 +40,10 @@ struct Runner {
   ExitCode operator()(const LevelOptions& options) const { return RunLevel(options); }
   ExitCode operator()(const CalibrateOptions& options) const { return RunCalibrate(options); }
   ExitCode operator()(const StatsOptions& options) const { return RunStats(options); }
+  ExitCode operator()(const ParametersOptions& options) const { return RunParameters(options); }
+  ExitCode operator()(const GetOptions& options) const { return RunGet(options); }
+  ExitCode operator()(const SetOptions& options) const { return RunSet(options); }
+  ExitCode operator()(const SettingsOptions& options) const { return RunSettings(options); }
 };
 
 ExitCode Report(ExitCode code, const std::string& message, const std::string& advice) {

@@ -8,6 +8,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <tuple>
+#include <utility>
 
 #include "names.hpp"
 #include "text.hpp"
@@ -28,6 +29,8 @@ constexpr const char* kMainFooter = R"(Examples:
   vexa level --target 100
   vexa calibrate --output calibrate-%d.bmp
   vexa stats --seconds 30
+  vexa set exposure-clock 40000
+  vexa settings save camera.ini
 
 Exit codes:
   0  success
@@ -315,6 +318,43 @@ void AddStats(CLI::App& app, StatsOptions& options) {
   app.footer(kStatsFooter);
 }
 
+constexpr const char* kSetFooter = R"(Examples:
+  vexa set gain 120
+  vexa set 0x0F00 40000
+  vexa set user-id-text "left eye"
+  vexa set reset-counter
+
+"vexa parameters" lists names, numbers, ranges and units.)";
+
+void AddParameters(CLI::App& app, GetOptions& get, SetOptions& set, ParametersOptions& list) {
+  CLI::App* command = app.add_subcommand("parameters", "List the settings that have a number");
+  command->add_flag("--json", list.json, "Print JSON");
+  command = app.add_subcommand("get", "Print the value of a setting");
+  AddCameraOption(*command, get.camera);
+  command->add_option("NAME", get.parameter, "Name or number (default: all)");
+  command = app.add_subcommand("set", "Change a setting, or carry out an action");
+  AddCameraOption(*command, set.camera);
+  command->add_option("NAME", set.parameter, "Name or number")->required();
+  command->add_option("VALUE", set.value, "Number (decimal or 0x...), or text");
+  command->footer(kSetFooter);
+}
+
+void AddSettings(CLI::App& app, SettingsOptions& options) {
+  CLI::App* settings = app.add_subcommand("settings", "Save, load and compare setting files");
+  settings->require_subcommand(1);
+  const auto add = [&](SettingsAction action, const char* name, const char* what) {
+    CLI::App* command = settings->add_subcommand(name, what);
+    command->parse_complete_callback([&options, action] { options.action = action; });
+    command->add_option("FILE", options.file, "Setting file")->required();
+    return command;
+  };
+  AddCameraOption(*add(SettingsAction::kSave, "save", "Save a camera's settings"), options.camera);
+  AddCameraOption(*add(SettingsAction::kLoad, "load", "Set a camera as a file says"),
+                  options.camera);
+  CLI::App* diff = add(SettingsAction::kDiff, "diff", "Compare two files; exit code 1: different");
+  diff->add_option("OTHER", options.other_file, "Setting file")->required();
+}
+
 /** A usage error with where to read on. @param app the whole program. */
 std::string UsageText(const CLI::App* app, const CLI::Error& error) {
   const std::vector<CLI::App*> commands = app->get_subcommands();
@@ -352,48 +392,40 @@ ParsedArguments ParseArguments(const std::vector<std::string>& arguments,
   LevelOptions level;
   CalibrateOptions calibrate;
   StatsOptions stats;
-  CLI::App* list_command = app.add_subcommand("list", "List the cameras that are free");
-  list_command->add_flag("--json", list.json, "Print JSON");
+  ParametersOptions parameters;
+  GetOptions get;
+  SetOptions set;
+  SettingsOptions settings;
+  app.add_subcommand("list", "List the cameras that are free")
+      ->add_flag("--json", list.json, "Print JSON");
   CLI::App* info_command = app.add_subcommand("info", "Show what a camera is and how it is set");
   AddCameraOption(*info_command, info.camera);
   info_command->add_flag("--json", info.json, "Print JSON");
-  CLI::App* capture_command = app.add_subcommand("capture", "Save frames as image files");
-  AddCapture(*capture_command, capture);
-  CLI::App* convert_command =
-      app.add_subcommand("convert", "Turn a frame's bytes into an image file");
-  AddConvert(*convert_command, convert);
-  CLI::App* level_command =
-      app.add_subcommand("level", "Adjust exposure and gain to a brightness, step by step");
-  AddLevel(*level_command, level);
-  CLI::App* calibrate_command =
-      app.add_subcommand("calibrate", "Find white balance and defect pixels");
-  AddCalibrate(*calibrate_command, calibrate);
+  AddCapture(*app.add_subcommand("capture", "Save frames as image files"), capture);
+  AddConvert(*app.add_subcommand("convert", "Turn a frame's bytes into an image file"), convert);
+  AddLevel(*app.add_subcommand("level", "Adjust exposure and gain to a brightness, step by step"),
+           level);
+  AddCalibrate(*app.add_subcommand("calibrate", "Find white balance and defect pixels"), calibrate);
   AddStats(*app.add_subcommand("stats", "Measure the transfer of frames"), stats);
+  AddParameters(app, get, set, parameters);
+  AddSettings(app, settings);
 
   try {
     app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
   } catch (const CLI::Error& error) {
     return AnswerOf(app, error);
   }
-  if (list_command->parsed()) {
-    return list;
-  }
-  if (info_command->parsed()) {
-    return info;
-  }
-  if (capture_command->parsed()) {
-    return capture;
-  }
-  if (convert_command->parsed()) {
-    return convert;
-  }
-  if (level_command->parsed()) {
-    return level;
-  }
-  if (calibrate_command->parsed()) {
-    return calibrate;
-  }
-  return stats;
+  const std::pair<const char*, ParsedArguments> commands[] = {
+      {"list", list},        {"info", info},
+      {"capture", capture},  {"convert", convert},
+      {"level", level},      {"calibrate", calibrate},
+      {"stats", stats},      {"parameters", parameters},
+      {"get", get},          {"set", set},
+      {"settings", settings}};
+  const std::string name = app.get_subcommands().front()->get_name();
+  return std::find_if(std::begin(commands), std::end(commands),
+                      [&](const auto& command) { return command.first == name; })
+      ->second;
 }
 
 Region ParseRegion(std::string_view text) {

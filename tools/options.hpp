@@ -97,6 +97,30 @@ struct StatsOptions {
   bool json = false;
 };
 
+struct ParametersOptions {
+  bool json = false;
+};
+
+struct GetOptions {
+  std::uint32_t camera = 0;
+  std::string parameter; /**< Name or number; empty for all that can be read. */
+};
+
+struct SetOptions {
+  std::uint32_t camera = 0;
+  std::string parameter; /**< Name or number. */
+  std::string value;     /**< Empty for an action. */
+};
+
+enum class SettingsAction { kSave, kLoad, kDiff };
+
+struct SettingsOptions {
+  std::uint32_t camera = 0;
+  SettingsAction action = SettingsAction::kSave;
+  std::string file;
+  std::string other_file; /**< For kDiff. */
+};
+
 /** The command line is dealt with: help, the version, or a usage error. */
 struct Answer {
   ExitCode exit_code = ExitCode::kSuccess;
@@ -105,7 +129,8 @@ struct Answer {
 };
 
 using ParsedArguments = std::variant<Answer, ListOptions, InfoOptions, CaptureOptions,
-                                     ConvertOptions, LevelOptions, CalibrateOptions, StatsOptions>;
+                                     ConvertOptions, LevelOptions, CalibrateOptions, StatsOptions,
+                                     ParametersOptions, GetOptions, SetOptions, SettingsOptions>;
 
 /** Reads the command line.
  *  @param arguments without the program's name, UTF-8.

@@ -56,15 +56,17 @@ TEST(MirrorRotation, EveryOperationMovesEveryPixelToItsPlace) {
 using Pixels = std::array<std::uint8_t, 8>;
 struct Turned {
   BOOL result;
-  FrameShape shape;
+  DWORD width;
+  DWORD height;
+  WORD color_array;
   Pixels frame;
   friend bool operator==(const Turned&, const Turned&) = default;
 };
 Turned Turn(int operation, int rotation, std::uint16_t color_array = 1) {
-  Turned turned{0, {4, 2, color_array}, {1, 2, 3, 4, 5, 6, 7, 8}};
-  turned.result = Vexa_MirrorRotation(static_cast<BYTE>(operation), static_cast<BYTE>(rotation),
-                                      &turned.shape.width, &turned.shape.height,
-                                      &turned.shape.color_array, turned.frame.data());
+  Turned turned{0, 4, 2, color_array, {1, 2, 3, 4, 5, 6, 7, 8}};
+  turned.result =
+      Vexa_MirrorRotation(static_cast<BYTE>(operation), static_cast<BYTE>(rotation), &turned.width,
+                          &turned.height, &turned.color_array, turned.frame.data());
   return turned;
 }
 
@@ -89,18 +91,18 @@ TEST(MirrorRotation, ColorArrayNamesTheSamePixelsAsBefore) {
         const auto [x, y] = Target(operation, i % 2, i / 2, 2, 2);
         moved[static_cast<std::size_t>(2 * y + x)] = patterns[code - 2][i];
       }
-      EXPECT_EQ(patterns[Turn(operation, 0, code).shape.color_array - 2], moved)
+      EXPECT_EQ(patterns[Turn(operation, 0, code).color_array - 2], moved)
           << operation << " " << code;
     }
     for (const auto code : std::to_array<std::uint16_t>({0, 1, 6, 0xFFFF})) {
-      EXPECT_EQ(Turn(operation, 0, code).shape.color_array, code);
+      EXPECT_EQ(Turn(operation, 0, code).color_array, code);
     }
   }
 }
 
 TEST(MirrorRotation, RefusalsChangeNothing) {
   const Turned untouched = Turn(0, 0, 2);
-  EXPECT_EQ(untouched, (Turned{1, {4, 2, 2}, {1, 2, 3, 4, 5, 6, 7, 8}}));
+  EXPECT_EQ(untouched, (Turned{1, 4, 2, 2, {1, 2, 3, 4, 5, 6, 7, 8}}));
   for (const int operation : {8, 9, 128, 255}) {
     EXPECT_EQ(Turn(operation, 0, 2), untouched);
   }

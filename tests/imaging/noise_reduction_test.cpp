@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
+#include <vector>
 
 #include "imaging/frames.hpp"
 #include "library/allocation_counter.hpp"
@@ -25,14 +25,15 @@ struct Model {
   int Median(const Bytes& frame, int x, int y) const {
     const bool diagonal = array == 1 ? Inside(x, y, 1) : (x + y) % 2 == 1;
     const int distance = array == 1 || diagonal ? 1 : 2;
-    std::array<int, 5> values = {frame[At(x, y)]};
-    std::size_t n = 1;
+    std::vector<int> values = {frame[At(x, y)]};
+    values.reserve(5);
     for (int k = 0; k < 4; ++k) {
       const int dx = (diagonal ? k % 2 * 2 - 1 : k < 2 ? k * 2 - 1 : 0) * distance;
       const int dy = (diagonal ? k / 2 * 2 - 1 : k < 2 ? 0 : k * 2 - 5) * distance;
-      if (Inside(x + dx, y + dy)) values[n++] = frame[At(x + dx, y + dy)];
+      if (Inside(x + dx, y + dy)) values.push_back(frame[At(x + dx, y + dy)]);
     }
-    std::sort(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(n));
+    std::sort(values.begin(), values.end());
+    const std::size_t n = values.size();
     return n % 2 == 1 ? values[n / 2] : (values[n / 2 - 1] + values[n / 2]) / 2;
   }
 

@@ -39,42 +39,54 @@ class Operations {
  public:
   using Run = std::function<Status(const Image&, const PixelKernels&)>;
 
+  struct Operation {
+    std::string name;
+    std::size_t bytes;  // of four pixels of the source
+    Run run;
+  };
+
   Operations() {
-    for (const std::uint32_t transfer :
-         {1U, 2U, 4U, 8U, 16U, 0x400U, 0x800U, 0x1000U, 0x2000U, 0x4000U}) {
+    const std::pair<std::uint32_t, std::size_t> transfers[] = {
+        {1, 4},      {2, 8},      {4, 8},      {8, 8},      {16, 8},
+        {0x400, 12}, {0x800, 16}, {0x1000, 6}, {0x2000, 8}, {0x4000, 12}};
+    for (const auto& [transfer, bytes] : transfers) {
       for (const std::uint32_t output : {1U, 4U, 8U}) {
-        all_.emplace_back("convert " + std::to_string(transfer) + " to " + std::to_string(output),
-                          [=](const Image& image, const PixelKernels& kernels) {
-                            return ConvertToImage({.width = image.width,
-                                                   .height = image.height,
-                                                   .transfer_format = transfer,
-                                                   .output_format = output,
-                                                   .source = image.source,
-                                                   .destination = image.target},
-                                                  kernels);
-                          });
+        Add("convert " + std::to_string(transfer) + " to " + std::to_string(output), bytes,
+            [=, transfer = transfer](const Image& image, const PixelKernels& kernels) {
+              return ConvertToImage({.width = image.width,
+                                     .height = image.height,
+                                     .transfer_format = transfer,
+                                     .output_format = output,
+                                     .source = image.source,
+                                     .destination = image.target},
+                                    kernels);
+            });
       }
     }
     for (std::uint8_t channel = 0; channel < kGammaChannels; ++channel) {
       EXPECT_TRUE(gamma_.Set(channel, {.mode = 255}, Frame(256, channel * 2U).data()).ok());
     }
     for (const std::uint16_t array : {std::uint16_t{2}, std::uint16_t{5}}) {
-      all_.emplace_back("raw gamma", [=, this](const Image& i, const PixelKernels& kernels) {
+      Add("raw gamma", 0, [=, this](const Image& i, const PixelKernels& kernels) {
         return gamma_.CorrectRaw(i.width, i.height, array, i.target, kernels);
       });
     }
     for (const std::uint32_t format : {1U, 4U, 8U}) {
-      all_.emplace_back("gamma " + std::to_string(format),
-                        [=, this](const Image& i, const PixelKernels& kernels) {
-                          return gamma_.CorrectImage(i.width, i.height, format, i.target, kernels);
-                        });
+      Add("gamma " + std::to_string(format), 0,
+          [=, this](const Image& i, const PixelKernels& kernels) {
+            return gamma_.CorrectImage(i.width, i.height, format, i.target, kernels);
+          });
     }
     AddMatrices();
   }
 
-  const std::vector<std::pair<std::string, Run>>& all() const { return all_; }
+  const std::vector<Operation>& all() const { return all_; }
 
  private:
+  void Add(std::string name, std::size_t bytes, Run run) {
+    all_.push_back({std::move(name), bytes, std::move(run)});
+  }
+
   /// With formulas and without (many exceptions, numbers beyond 16 bits, a sign that changes inside
   /// the table), with whole parts on the diagonal and elsewhere, with offsets.
   void AddMatrices() {
@@ -93,18 +105,17 @@ class Operations {
         EXPECT_TRUE(correction.SetHueSaturation({1, -234, 137}).ok());
       }
       for (const std::uint32_t format : {4U, 8U}) {
-        all_.emplace_back("matrix " + std::to_string(i) + " in " + std::to_string(format),
-                          [=, &correction](const Image& image, const PixelKernels& kernels) {
-                            return correction.Correct(image.width, image.height, format,
-                                                      image.target, kernels);
-                          });
+        Add("matrix " + std::to_string(i) + " in " + std::to_string(format), 0,
+            [=, &correction](const Image& image, const PixelKernels& kernels) {
+              return correction.Correct(image.width, image.height, format, image.target, kernels);
+            });
       }
     }
   }
 
   Gamma gamma_;
   std::array<ColorCorrection, 12> corrections_;
-  std::vector<std::pair<std::string, Run>> all_;
+  std::vector<Operation> all_;
 };
 
 void ExpectSameFromAllVersions(const Operations& operations, std::uint32_t width,
@@ -113,10 +124,10 @@ void ExpectSameFromAllVersions(const Operations& operations, std::uint32_t width
   const std::size_t shift = (width * 5 + height) % 16;  // any alignment
   const std::size_t size = std::size_t{width} * height * 4;
   const unsigned kind = width + height;
-  const Bytes source = Frame(shift + size, kind);
   const Bytes before = Frame(2 * kGuard + shift + size, kind + 2);
-  // Sources end where their last byte lies, so that reading beyond is noticed by sanitizers.
-  for (const auto& [name, run] : operations.all()) {
+  for (const auto& [name, bytes, run] : operations.all()) {
+    // Without a byte more than the pixels have, so that sanitizers notice reading beyond.
+    const Bytes source = Frame(shift + size / 4 * bytes / 4, kind);
     const auto result = [&](const PixelKernels& kernels) {
       Bytes target = before;
       const Status status =

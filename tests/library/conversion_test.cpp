@@ -20,7 +20,7 @@ Bytes Converted(DWORD width, DWORD height, DWORD transfer, const Bytes& source, 
   const bool ok = Vexa_ConvYUVOrBGRToBGRImage(width, height, transfer, source.data(), output,
                                               image.data()) != FALSE;
   EXPECT_TRUE(std::all_of(image.end() - 12, image.end(), [](BYTE b) { return b == kUntouched; }));
-  image.resize(image.size() - 12);
+  image.erase(image.end() - 12, image.end());
   return ok ? image : Bytes();
 }
 

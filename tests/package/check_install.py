@@ -1,5 +1,5 @@
-"""Installs the library to a scratch prefix, builds the example against it through the CMake package
-and through pkg-config, and (on systems where it can run) checks the picture that the example takes.
+"""Installs the library to a scratch prefix, builds the examples against it through the CMake package
+and through pkg-config, and (on systems where they can run) checks what they make.
 """
 import argparse
 import os
@@ -11,7 +11,9 @@ import subprocess
 import sys
 
 HERE = pathlib.Path(__file__).resolve().parent
-EXAMPLE = HERE.parent.parent / "examples" / "first_picture.c"
+EXAMPLES = HERE.parent.parent / "examples"
+SOURCES = sorted(EXAMPLES.glob("*.c")) + sorted(EXAMPLES.glob("*.cpp"))
+SETTINGS = re.compile(r"^\[Clock-[0-9A-F]{4}\]\r?\nClockMode=\d+\r?\nClock=\d+\r?\n")
 
 
 def run(*command, **options):
@@ -31,34 +33,63 @@ def expect(condition, what):
 
 def build_with_cmake(arguments, prefix, folder):
     command = [arguments.cmake, "-S", HERE / "consumer", "-B", folder, "-G", "Ninja",
-               f"-DVEXA_EXPECTED_VERSION={arguments.version}", f"-DVEXA_EXAMPLE={EXAMPLE}"]
+               f"-DVEXA_EXPECTED_VERSION={arguments.version}",
+               f"-DVEXA_EXAMPLES={';'.join(map(str, SOURCES))}"]
     if arguments.toolchain:
         # A toolchain looks for packages in its own root alone.
         config = next(prefix.rglob("VexaAPIConfig.cmake"))
         command += [f"-DCMAKE_TOOLCHAIN_FILE={arguments.toolchain}",
                     f"-DVEXA_MINGW_TRIPLE={arguments.triple}", f"-DVexaAPI_DIR={config.parent}"]
     else:
-        command += [f"-DCMAKE_PREFIX_PATH={prefix}", f"-DCMAKE_C_COMPILER={arguments.compiler}"]
+        command += [f"-DCMAKE_PREFIX_PATH={prefix}", f"-DCMAKE_C_COMPILER={arguments.compiler}",
+                    f"-DCMAKE_CXX_COMPILER={arguments.cxx_compiler}"]
     run(*command)
     run(arguments.cmake, "--build", folder)
-    return folder / ("consumer.exe" if arguments.toolchain else "consumer")
+    return folder
 
 
-def build_with_pkg_config(arguments, prefix, program):
+def build_with_pkg_config(arguments, prefix, folder):
+    folder.mkdir()
     places = os.pathsep.join(str(path.parent) for path in prefix.rglob("VexaAPI.pc"))
     environment = {**os.environ, "PKG_CONFIG_LIBDIR": places}
     version = run("pkg-config", "--modversion", "VexaAPI", env=environment).strip()
     expect(version == arguments.version, f"pkg-config says version {version}")
     flags = run("pkg-config", "--cflags", "--libs", "VexaAPI", env=environment).split()
-    run(arguments.compiler, "-std=c11", "-pedantic-errors", "-Wall", "-Wextra", "-Werror", EXAMPLE,
-        "-o", program, *flags)
-    return program
+    for source in SOURCES:
+        compiler, standard = ((arguments.compiler, "c11") if source.suffix == ".c" else
+                              (arguments.cxx_compiler, "c++17"))
+        run(compiler, f"-std={standard}", "-pedantic-errors", "-Wall", "-Wextra", "-Werror", source,
+            "-o", folder / (source.stem + (".exe" if arguments.toolchain else "")), *flags)
+    return folder
 
 
-def check_picture(program, prefix, picture):
-    """Runs the example and reads its bitmap: a colour picture of the size that it printed."""
-    places = os.pathsep.join({str(path.parent) for path in prefix.rglob("libVexaAPI.so")})
-    said = run(program, picture, env={**os.environ, "LD_LIBRARY_PATH": places})
+def check_examples(programs, prefix, results):
+    """Runs the examples as their first lines say, and looks at what they leave."""
+    library = next(prefix.rglob("libVexaAPI.so"))
+    environment = {**os.environ, "LD_LIBRARY_PATH": str(library.parent),
+                   "VEXA_LIBRARY": str(library)}
+    results.mkdir()
+    said = run(programs / "first_picture", results / "first.bmp", env=environment)
+    check_bitmap(said, results / "first.bmp")
+
+    for settings in ("settings made", "settings loaded"):
+        said = run(programs / "application", results, env=environment)
+        expect(("settings of" in said) == (settings == "settings loaded"), said)
+        pictures = sorted(path.name for path in results.glob("*.tif"))
+        expect(pictures == [f"picture-{i}.tif" for i in (1, 2, 3)], f"there are {pictures}")
+        expect(SETTINGS.match((results / "camera.ini").read_text()), "the setting file is wrong")
+
+    said = run(programs / "live_view", 40, results / "live.jpg", env=environment)
+    expect("settled" in said, "the level control does not settle")
+    said = run(sys.executable, EXAMPLES / "snapshot.py", results / "python.jpg", env=environment)
+    for name in ("live.jpg", "python.jpg"):
+        data = (results / name).read_bytes()
+        expect(data[:4] == b"\xff\xd8\xff\xe0" and data[-2:] == b"\xff\xd9", f"{name} is no JPEG")
+    expect(re.search(r"frame \d+, \d+ x \d+ pixels", said), "snapshot.py says nothing")
+
+
+def check_bitmap(said, picture):
+    """A colour picture of the size that the program printed."""
     width, height = map(int, re.search(r"frame \d+, (\d+) x (\d+) pixels", said).groups())
     data = picture.read_bytes()
     magic, size, offset = struct.unpack_from("<2sI4xI", data)
@@ -77,7 +108,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__)
     for name in ("build", "scratch"):
         parser.add_argument(f"--{name}", type=pathlib.Path, required=True)
-    for name in ("cmake", "compiler", "version"):
+    for name in ("cmake", "compiler", "cxx-compiler", "version"):
         parser.add_argument(f"--{name}", required=True)
     for name in ("toolchain", "triple"):
         parser.add_argument(f"--{name}", default="", help="for a Windows build")
@@ -91,13 +122,14 @@ def main():
     (scratch / "installed").rename(prefix)
 
     by_cmake = build_with_cmake(arguments, prefix, scratch / "consumer")
-    by_pkg_config = build_with_pkg_config(arguments, prefix, scratch / f"example{by_cmake.suffix}")
+    by_pkg_config = build_with_pkg_config(arguments, prefix, scratch / "by_pkg_config")
     if arguments.toolchain:
         check = HERE.parent.parent / "scripts" / "check-library"
-        run(check, "--client", by_cmake, "--client", by_pkg_config)
+        run(check, *(f"--client={folder / (source.stem + '.exe')}"
+                     for folder in (by_cmake, by_pkg_config) for source in SOURCES))
     else:
-        check_picture(by_cmake, prefix, scratch / "by_cmake.bmp")
-        check_picture(by_pkg_config, prefix, scratch / "by_pkg_config.bmp")
+        check_examples(by_cmake, prefix, scratch / "results_cmake")
+        check_examples(by_pkg_config, prefix, scratch / "results_pkg_config")
     print("ok")
 
 

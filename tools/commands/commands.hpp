@@ -28,6 +28,18 @@ ExitCode RunCalibrate(const CalibrateOptions& options);
 /** Streams and prints measurements. */
 ExitCode RunStats(const StatsOptions& options);
 
+/** Prints a table of the settings and actions that have a number. */
+ExitCode RunParameters(const ParametersOptions& options);
+
+/** Prints the value of a parameter, or of all that can be read. */
+ExitCode RunGet(const GetOptions& options);
+
+/** Sets a parameter and prints what the camera made of it, or carries out an action. */
+ExitCode RunSet(const SetOptions& options);
+
+/** Saves, loads and compares setting files. */
+ExitCode RunSettings(const SettingsOptions& options);
+
 /** Writes a command's results to the standard output. @throws ToolError when that fails. */
 void Print(const std::string& text);
 

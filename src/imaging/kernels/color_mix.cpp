@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <limits>
 
 namespace vexa::imaging {
 namespace {
@@ -13,12 +12,16 @@ using Formula = ColorMix::Formula;
 /// Contributions up to here keep the sum of three in 16 bits.
 constexpr std::int32_t kLargest = 10000;
 
-/// One input's share of a formula.
+/// One input's share of a formula but for base and bits.
 struct Product {
   std::int32_t factor;
   std::int32_t whole;
+  bool negative;
 
-  std::int32_t At(std::int32_t v) const { return ((factor * std::max(v, 1)) >> 16) + whole * v; }
+  std::int32_t At(std::int32_t v) const {
+    const std::int32_t fraction = (factor * v) >> 16;
+    return whole * v + (negative ? -fraction : fraction);
+  }
 };
 
 /// The contributions of one input to one output.
@@ -29,11 +32,6 @@ class Contributions {
 
   std::int32_t At(std::int32_t v) const { return entries_[v][output_]; }
 
-  /// What value v takes beside product + base.
-  std::int32_t Missing(const Product& product, std::int32_t base, std::int32_t v) const {
-    return At(v) - product.At(v) - base;
-  }
-
   bool AreSmall() const {
     for (std::int32_t v = 0; v < 256; ++v) {
       if (std::abs(At(v)) > kLargest) {
@@ -43,68 +41,57 @@ class Contributions {
     return true;
   }
 
-  std::size_t CountMisses(const Product& product, std::int32_t base) const {
-    std::size_t misses = 0;
-    for (std::int32_t v = 0; v < 256; ++v) {
-      misses += Missing(product, base, v) != 0 ? 1 : 0;
-    }
-    return misses;
-  }
-
  private:
   const std::int32_t (*entries_)[4];
   std::size_t output_;
 };
 
+/// What a product leaves to be added, from the least to the most.
 struct Fit {
   Product product{};
-  std::int32_t base = 0;
-  std::size_t misses = 256;
+  std::int32_t least = 0;
+  std::int32_t most = 1000;
+
+  std::int32_t Spread() const { return most - least; }
 };
 
-/// Tries the factors around the slope, because its 17th bit and the rounding of repeated addition
-/// decide about multiples near integers, and the bases that make some of the values right.
+Fit FitOf(const Product& product, const Contributions& wanted) {
+  Fit fit{product, wanted.At(0), wanted.At(0)};
+  for (std::int32_t v = 1; v < 256; ++v) {
+    const std::int32_t rest = wanted.At(v) - product.At(v);
+    fit.least = std::min(fit.least, rest);
+    fit.most = std::max(fit.most, rest);
+  }
+  return fit;
+}
+
+/// Tries the factors around the slope: what its 17th bit and the rounding of repeated addition make
+/// of multiples near integers decides which is best.
 Fit BestFit(const Contributions& wanted, float slope) {
   constexpr std::int32_t kReach = 4;
-  const auto whole = static_cast<std::int32_t>(std::lround(slope));
-  const auto factor =
-      static_cast<std::int32_t>(std::lround((slope - static_cast<float>(whole)) * 65536.0F));
-  using Limits = std::numeric_limits<std::int16_t>;
+  constexpr std::int32_t kLargestFactor = 0xFFFF;
+  const float size = std::fabs(slope);
+  const auto whole = static_cast<std::int32_t>(size);
+  const auto factor = static_cast<std::int32_t>((size - static_cast<float>(whole)) * 65536.0F);
+  const bool negative = slope < 0;
   Fit best;
-  for (std::int32_t f = std::max<std::int32_t>(factor - kReach, Limits::min());
-       f <= std::min<std::int32_t>(factor + kReach, Limits::max()); ++f) {
-    const Product product{f, whole};
-    for (const std::int32_t v : {1, 128, 255}) {
-      const std::int32_t base = wanted.At(v) - product.At(v);
-      const std::size_t misses = wanted.CountMisses(product, base);
-      if (misses < best.misses) {
-        best = {product, base, misses};
-      }
+  for (std::int32_t f = std::max(factor - kReach, 0);
+       f <= std::min(factor + kReach, kLargestFactor); ++f) {
+    const Fit fit = FitOf({f, negative ? -whole : whole, negative}, wanted);
+    if (fit.Spread() < best.Spread()) {
+      best = fit;
     }
   }
   return best;
 }
 
-/// Takes the fit into the formula; false if that has no room for its misses.
-bool Add(const Contributions& wanted, const Fit& fit, std::size_t input, Formula* formula) {
-  if (formula->addition_count + fit.misses > Formula::kMaxAdditions) {
-    return false;
-  }
-  formula->factor[input] = static_cast<std::int16_t>(fit.product.factor);
-  formula->whole[input] = static_cast<std::int16_t>(fit.product.whole);
-  formula->base = static_cast<std::int16_t>(formula->base + fit.base);
+void SetBits(const Contributions& wanted, const Fit& fit, std::uint8_t (&bits)[2][16]) {
   for (std::int32_t v = 0; v < 256; ++v) {
-    const std::int32_t missing = wanted.Missing(fit.product, fit.base, v);
-    if (std::abs(missing) > Formula::kLargestAmount) {
-      return false;
-    }
-    if (missing != 0) {
-      formula->additions[formula->addition_count++] = {static_cast<std::uint8_t>(input),
-                                                       static_cast<std::uint8_t>(v),
-                                                       static_cast<std::int8_t>(missing)};
+    if (wanted.At(v) - fit.product.At(v) != fit.least) {
+      std::uint8_t& byte = bits[v / 128][v % 16];
+      byte = static_cast<std::uint8_t>(byte | 1 << (v / 16 % 8));
     }
   }
-  return true;
 }
 
 bool Find(const float (&slopes)[kPixelChannels], std::size_t output, const ColorMix& mix,
@@ -112,8 +99,21 @@ bool Find(const float (&slopes)[kPixelChannels], std::size_t output, const Color
   *formula = {};
   for (std::size_t input = 0; input < kPixelChannels; ++input) {
     const Contributions wanted(mix, input, output);
-    if (!wanted.AreSmall() || !Add(wanted, BestFit(wanted, slopes[input]), input, formula)) {
+    if (!wanted.AreSmall()) {
       return false;
+    }
+    const Fit fit = BestFit(wanted, slopes[input]);
+    if (fit.Spread() > 1) {
+      return false;
+    }
+    const auto flag = static_cast<std::uint8_t>(1U << input);
+    formula->factor[input] = static_cast<std::uint16_t>(fit.product.factor);
+    formula->whole[input] = static_cast<std::int16_t>(fit.product.whole);
+    formula->base = static_cast<std::int16_t>(formula->base + fit.least);
+    formula->negative |= fit.product.negative ? flag : std::uint8_t{0};
+    if (fit.Spread() != 0) {
+      formula->has_bits |= flag;
+      SetBits(wanted, fit, formula->bits[input]);
     }
   }
   return true;

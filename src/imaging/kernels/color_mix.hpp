@@ -16,26 +16,20 @@ struct ColorMix {
   /// makes an entry a vector.
   alignas(16) std::int32_t contributions[kPixelChannels][256][4];
 
-  /// The contributions to one output in 16-bit arithmetic:
-  ///   base + sum over the inputs v of (factor * max(v, 1) >> 16) + whole * v,
-  /// and the additions below for some values of an input.
+  /// The contributions to one output in 16-bit arithmetic: base + the sum over the inputs v of
+  ///   (factor * v >> 16, taken off if negative, else added) + whole * v + (bit v of bits).
   ///
-  /// A contribution is a product that has been truncated toward zero. A fraction of 16 bits below
-  /// an integer multiple is enough to find almost all of them, and max(v, 1) in place of v makes
-  /// the shift, which rounds down, agree with truncation at 0 when the factor is negative.
+  /// Contributions are multiples that have been truncated toward zero. A factor with 16 bits of
+  /// fraction finds most of them; the bits, where they are needed, say for which values one more is
+  /// right: multiples that are integers but for the rounding of single precision.
   struct Formula {
-    static constexpr std::size_t kMaxAdditions = 12;
-    static constexpr int kLargestAmount = 4;
-    struct Addition {
-      std::uint8_t input;  ///< PixelChannel
-      std::uint8_t value;  ///< the input's value that it belongs to
-      std::int8_t amount;
-    };
-    std::int16_t factor[kPixelChannels];
+    std::uint16_t factor[kPixelChannels];
     std::int16_t whole[kPixelChannels];
     std::int16_t base;
-    std::size_t addition_count;
-    Addition additions[kMaxAdditions];
+    std::uint8_t negative;  ///< bit i for input i
+    std::uint8_t has_bits;  ///< bit i for input i
+    /// Bit v / 16 % 8 of byte v % 16 of half v / 128.
+    std::uint8_t bits[kPixelChannels][2][16];
   };
 
   /// Whether the formulas say for all inputs what the contributions say.
@@ -44,8 +38,8 @@ struct ColorMix {
 };
 
 /// Finds the formulas for the contributions, which are truncated multiples of the inputs:
-/// slopes[output][input], in the order of PixelChannel. What is no such multiple within a few
-/// exceptions has none.
+/// slopes[output][input], in the order of PixelChannel. Too large ones and those that an offset
+/// makes change their sign between integers have none.
 void FindFormulas(const float (&slopes)[kPixelChannels][kPixelChannels], ColorMix* mix);
 
 }  // namespace vexa::imaging

@@ -1,5 +1,5 @@
 /// \file
-/// Vectors of one lane for VectorPixels, with what every x86 processor has. Included by the files
+/// Vectors of one lane for VectorLayouts, with what every x86 processor has. Included by the files
 /// of the instruction sets that use it; see there for the rules.
 #pragma once
 
@@ -41,6 +41,9 @@ struct Lane {
   static Shorts MulHigh(Shorts a, Shorts b) {
     return (Shorts)_mm_mulhi_epi16((__m128i)a, (__m128i)b);
   }
+  static Words MulHighUnsigned(Words a, Words b) {
+    return (Words)_mm_mulhi_epu16((__m128i)a, (__m128i)b);
+  }
   static __m128i Count(unsigned shift) { return _mm_cvtsi32_si128((int)shift); }
   static Words ShiftRight(Words v, __m128i count) {
     return (Words)_mm_srl_epi16((__m128i)v, count);
@@ -51,7 +54,6 @@ struct Lane {
   static Bytes SubSaturated(Bytes a, Bytes b) {
     return (Bytes)_mm_subs_epu8((__m128i)a, (__m128i)b);
   }
-  static Bytes Max(Bytes a, Bytes b) { return (Bytes)_mm_max_epu8((__m128i)a, (__m128i)b); }
 };
 
 }  // namespace

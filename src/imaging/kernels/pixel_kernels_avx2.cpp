@@ -57,6 +57,9 @@ struct Avx2 {
   static Shorts MulRounded(Shorts a, Shorts b) {
     return (Shorts)_mm256_mulhrs_epi16((__m256i)a, (__m256i)b);
   }
+  static Words MulHighUnsigned(Words a, Words b) {
+    return (Words)_mm256_mulhi_epu16((__m256i)a, (__m256i)b);
+  }
   static __m128i Count(unsigned shift) { return _mm_cvtsi32_si128((int)shift); }
   static Words ShiftRight(Words v, __m128i count) {
     return (Words)_mm256_srl_epi16((__m256i)v, count);
@@ -70,7 +73,6 @@ struct Avx2 {
   static Bytes SubSigned(Bytes a, Bytes b) {
     return (Bytes)_mm256_subs_epi8((__m256i)a, (__m256i)b);
   }
-  static Bytes Max(Bytes a, Bytes b) { return (Bytes)_mm256_max_epu8((__m256i)a, (__m256i)b); }
   static Bytes Order(const std::uint8_t* bytes) {
     return (Bytes)_mm256_broadcastsi128_si256(_mm_loadu_si128((const __m128i*)bytes));
   }

@@ -16,7 +16,7 @@ struct Sse2 : Lane {
 
   static Shorts MulRounded(Shorts a, Shorts b) {
     const Words high = (Words)MulHigh(a, b);
-    const Words low = (Words)(a * b);
+    const Words low = (Words)a * (Words)b;
     return (Shorts)((high << 1) + (low >> 15) + ((low >> 14) & 1));
   }
 
