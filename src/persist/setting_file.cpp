@@ -7,12 +7,6 @@
 namespace vexa::persist {
 namespace {
 
-std::string Numbered(const char* prefix, std::size_t number) {
-  std::string name(prefix);
-  name += std::to_string(number);
-  return name;
-}
-
 // What an absent key reads as, where it has to be told from all sensible values.
 constexpr std::uint32_t kAbsent = 0xFFFFFFFF;
 
