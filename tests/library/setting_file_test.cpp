@@ -135,6 +135,7 @@ TEST_F(SettingFileTest, KeysFollowTheModel) {
       "DigitalClamp", "MirrorMode"};
   for (const auto& test : cases) {
     CameraConfig config = simulator::ForProduct(0x0510);
+    config.colour_array = 1;  // one gamma table, not five
     config.capabilities = ~std::uint64_t{0};
     config.capabilities &= test.capability < 0 ? ~std::uint64_t{0} : ~(1ULL << test.capability);
     const auto twin = Plug(config);
