@@ -1,6 +1,7 @@
 // Polling for frames: the ring, waiting for the next frame, and what ends the wait.
 
 #include <atomic>
+#include <chrono>
 #include <thread>
 
 #include "allocation_counter.hpp"
@@ -31,6 +32,22 @@ class SnapshotTest : public TransferTest {
                                         &taken.size, &taken.number, timeout);
     taken.error = GetLastError();
     return taken;
+  }
+
+  // Takes without a limit, and again when the test's own look was in the way.
+  Taken TakeInTurn() {
+    Taken taken = Take(INFINITE);
+    while (taken.error == 170) {
+      taken = Take(INFINITE);
+    }
+    return taken;
+  }
+
+  // Returns once another thread waits: then this one is refused.
+  void AwaitTaker() {
+    while (Take(0).error != 170) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
   }
 
   // Makes the camera send one frame after the other; each has arrived before the next.
@@ -111,11 +128,8 @@ TEST_F(SnapshotTest, AWaitingTakerGetsTheNextFrameAndTheRingDoesNot) {
   ASSERT_TRUE(Vexa_StartTransfer(camera_));
   EXPECT_EQ(Take(0).error, 258U);
   Taken first;
-  std::thread taker([&] { first = Take(); });
-  // The place for a waiting taker is taken once another thread is refused.
-  while (Take(0).error != 170) {
-    std::this_thread::yield();
-  }
+  std::thread taker([&] { first = TakeInTurn(); });
+  AwaitTaker();
   Trigger(recorder, 2);
   taker.join();
   EXPECT_TRUE(first.result);
@@ -129,10 +143,8 @@ TEST_F(SnapshotTest, WhatEndsAWait) {
     OpenTriggered(kSoftware);
     EXPECT_EQ(Take(1).error, 258U);
     Taken taken;
-    std::thread taker([&] { taken = Take(INFINITE); });
-    while (Take(0).error != 170) {
-      std::this_thread::yield();
-    }
+    std::thread taker([&] { taken = TakeInTurn(); });
+    AwaitTaker();
     if (end == End::kUnplug) {
       twin_->Unplug();
     } else {

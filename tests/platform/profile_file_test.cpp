@@ -66,8 +66,8 @@ TEST_F(ProfileFileTest, WritesItsKeysAndLeavesTheRest) {
     return Get();
   };
   EXPECT_EQ(write(""), Lines("[One]|A=-1|B=2|[Two]|A=3|"));
-  EXPECT_EQ(write(Lines("[two]|; kept|X = y |a=9|[other]|A=5|")),
-            Lines("[two]|; kept|X = y |A=3|[other]|A=5|[One]|A=-1|B=2|"));
+  EXPECT_EQ(write(Lines("[two]|; kept|X=y|a=9|[other]|A=5|")),
+            Lines("[two]|; kept|X=y|a=3|[other]|A=5|[One]|A=-1|B=2|"));
   EXPECT_EQ(write(Lines("[One]|B=1|[Two]|A=0|B=0|")), Lines("[One]|B=2|A=-1|[Two]|A=3|B=0|"));
   for (const auto& [section, key, value] :
        {std::tuple("One", "A", 0xFFFFFFFFU), std::tuple("One", "B", 2U),

@@ -144,7 +144,8 @@ void ProfileText::Index(Section* section) const {
     const std::size_t equals = text.find('=');
     if (text.front() != ';' && equals != std::string_view::npos) {
       section->keys.emplace(Fold(Trim(text.substr(0, equals))),
-                            Key{.begin = line.begin,
+                            Key{.name = std::string(Trim(text.substr(0, equals))),
+                                .begin = line.begin,
                                 .end = line.end,
                                 .value = std::string(Unquote(Trim(text.substr(equals + 1)))),
                                 .replacement = std::nullopt});
@@ -172,7 +173,7 @@ void ProfileText::Set(std::string_view section, std::string_view key, std::strin
   const std::string name = Fold(key);
   const auto entry = found->keys.find(name);
   if (entry != found->keys.end()) {
-    entry->second.replacement = std::string(key) + "=" + std::string(value);
+    entry->second.replacement = entry->second.name + "=" + std::string(value);
     return;
   }
   const auto [same, is_new] = found->added_by_name.emplace(name, found->added.size());

@@ -23,8 +23,8 @@ class ProfileText {
   /// A value without blanks and quotes around it; null when the key is missing.
   std::optional<std::string> Find(std::string_view section, std::string_view key);
 
-  /// Replaces the line of a key, or adds the key behind the last line of the section, or the
-  /// section at the end of the file.
+  /// Replaces the value of a key, whose name stays as spelled, or adds the key behind the last line
+  /// of the section, or the section at the end of the file.
   void Set(std::string_view section, std::string_view key, std::string_view value);
 
   /// The content with the changes. New lines end as the first line of the file does.
@@ -33,6 +33,7 @@ class ProfileText {
  private:
   // Positions count code units: bytes, or the words of UTF-16.
   struct Key {
+    std::string name;       // as the file spells it
     std::size_t begin = 0;  // of the line
     std::size_t end = 0;    // before the line's end
     std::string value;

@@ -49,7 +49,7 @@ TEST(ProfileText, ChangesOnlyItsLines) {
       {"[S]", "[S]\nK=1\n"},
       {"[S]\n\nX", "[S]\n\nX\nK=1\n"},
       {"X", "X\n[S]\nK=1\n"},
-      {"[S]\r\n k = 'old' ; x", "[S]\r\nK=1"},
+      {"[S]\r\n k = 'old' ; x", "[S]\r\nk=1"},
       {"[S]\rX=2\r[T]\rK=3", "[S]\rX=2\rK=1\r[T]\rK=3"},
       {"[S]\nK=2\nK=3\n[S]\nK=4\n", "[S]\nK=1\nK=3\n[S]\nK=4\n"},
       {"[T]\n[S]\n[T]\nK=3\n", "[T]\n[S]\nK=1\n[T]\nK=3\n"},
