@@ -259,6 +259,38 @@ class WithCameras(EndToEnd):
                 around = max(max(after[2](x + dx, y)) for dx in (-3, 3))
                 self.assertLess(max(after[2](x, y)), around + 40, place)
 
+    def test_settings_by_number_and_in_files(self):
+        listed = {entry["name"]: entry for entry in
+                  json.loads(vexa("parameters", "--json").stdout)}
+        self.assertEqual((listed["exposure-clock"]["id"], listed["exposure-clock"]["unit"]),
+                         (0x0F00, "clocks"))
+        for name in ("exposure-clock", "0xF00", "3840"):
+            self.expect(vexa("set", name, "0x9C40"), 0, "exposure-clock = 40000 clocks")
+        self.expect(vexa("set", "user-id-text", "Größe 日本"), 0, "user-id-text = Größe 日本")
+        self.expect(vexa("set", "reset-counter"), 0)
+        everything = vexa("get").stdout.splitlines()
+        self.assertEqual(len(everything),
+                         sum("read" in entry["access"] for entry in listed.values()))
+        for code, arguments, says in (
+                (2, ["set", "gain", "65536"], ["65536", "0 to 65535"]),
+                (2, ["set", "product-id", "1"], ["product-id", "set"]),
+                (2, ["get", "soft-trigger"], ["soft-trigger", "read"]),
+                (2, ["get", "exposure"], ["exposure", "vexa parameters"]),
+                (2, ["settings", "load", "missing.ini"], ["missing.ini"]),
+                (1, ["settings", "save", "no/folder/a.ini"], ["Vexa_WriteSettingFileW"])):
+            with self.subTest(arguments=arguments):
+                self.expect(vexa(*arguments, folder=self.folder), code, *says)
+        self.expect(vexa("settings", "save", "a.ini", folder=self.folder), 0)
+        self.expect(vexa("settings", "load", "a.ini", folder=self.folder), 0)
+        text = (self.folder / "a.ini").read_text()
+        (self.folder / "b.ini").write_text(text.replace("CurrentGain=0", "currentgain = 12") +
+                                           "[Mine]\nNote=7\n")
+        self.expect(vexa("settings", "diff", "a.ini", "a.ini", folder=self.folder), 0)
+        run = vexa("settings", "diff", "a.ini", "b.ini", folder=self.folder)
+        self.assertEqual(run.returncode, 1)
+        self.assertEqual([line.split()[1:] for line in run.stdout.splitlines()[1:]],
+                         [["CurrentGain", "0", "12"], ["Note", "-", "7"]])
+
     def test_stats_measures(self):
         for seconds in (2, 10, 60):  # sanitizers on a busy machine take long for a frame
             run = vexa("stats", "--seconds", seconds, "--timeout", WAIT, "--json")
