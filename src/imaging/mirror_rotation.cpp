@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "imaging/color_array.hpp"
-#include "imaging/frame_buffer.hpp"
+#include "imaging/pixel_buffers.hpp"
 
 namespace vexa::imaging {
 namespace {

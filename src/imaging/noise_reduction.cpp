@@ -4,7 +4,7 @@
 #include <cstring>
 #include <utility>
 
-#include "imaging/frame_buffer.hpp"
+#include "imaging/pixel_buffers.hpp"
 
 namespace vexa::imaging {
 namespace {

@@ -9,8 +9,8 @@
 #include <memory>
 
 #include "imaging/color_array.hpp"
-#include "imaging/frame_buffer.hpp"
 #include "imaging/noise_reduction.hpp"
+#include "imaging/pixel_buffers.hpp"
 
 namespace vexa::imaging {
 

@@ -2,8 +2,8 @@
 
 #include <mutex>
 
-#include "imaging/frame_buffer.hpp"
 #include "imaging/interpolation.hpp"
+#include "imaging/pixel_buffers.hpp"
 
 namespace vexa::imaging {
 namespace {
