@@ -143,7 +143,7 @@ static int Run(struct Application* self, const char* folder) {
   snprintf(setting_file, sizeof setting_file, "%s/camera.ini", folder);
   result = Configure(self->camera, setting_file);
   if (result != EXIT_SUCCESS) return result;
-  /* Halves of the automatic white balance: measure the first frame, then keep the gains. */
+  /* The white balance measures the first frame and keeps the gains that it finds. */
   if (!Vexa_SetWhiteBalanceMode(self->camera, 3) ||
       !Vexa_SetGammaModeEx(self->camera, 0, VEXA_GAMMA_MODE_OFF, 100, 0, 0, NULL) ||
       !Vexa_SetSharpnessMode(self->camera, 1, 50, 8) ||
