@@ -21,6 +21,15 @@ struct Region {
   std::uint32_t height = 0;
 };
 
+/** White-balance gains as Vexa_SetWhiteBalanceGain() counts them. */
+inline constexpr std::uint16_t kUnityGain = 128;
+struct Gains {
+  std::uint16_t red = kUnityGain;
+  std::uint16_t green_red = kUnityGain; /**< Green in rows with red. */
+  std::uint16_t green_blue = kUnityGain;
+  std::uint16_t blue = kUnityGain;
+};
+
 /** Camera settings to change before a transfer; what is not given stays as it is. */
 struct SettingOptions {
   std::optional<double> exposure_ms;
