@@ -11,6 +11,9 @@
 
 namespace vexa::tool {
 
+/** Most frames of one command. */
+inline constexpr std::uint32_t kMaxFrames = 1'000'000;
+
 /** A finite number in a range; not a number is none. */
 CLI::Validator NumberIn(double low, double high);
 
@@ -39,5 +42,8 @@ CLI::Option* AddSideOption(CLI::App& app, const std::string& name, std::uint32_t
 
 /** The options of the commands that stream. */
 void AddStreamOptions(CLI::App& app, StreamOptions& options);
+
+/** The options of "vexa process". */
+void AddProcess(CLI::App& app, ProcessOptions& options);
 
 }  // namespace vexa::tool

@@ -12,8 +12,6 @@
 namespace vexa::tool {
 namespace {
 
-constexpr std::uint32_t kMaxFrames = 1'000'000;
-
 void AddCapture(CLI::App& app, CaptureOptions& options) {
   AddStreamOptions(app, options.stream);
   app.add_option("-n,--frames", options.frames, "Frames to save (default 1)")
@@ -158,6 +156,7 @@ ParsedArguments ParseArguments(const std::vector<std::string>& arguments,
   InfoOptions info;
   CaptureOptions capture;
   ConvertOptions convert;
+  ProcessOptions process;
   LevelOptions level;
   CalibrateOptions calibrate;
   StatsOptions stats;
@@ -172,6 +171,8 @@ ParsedArguments ParseArguments(const std::vector<std::string>& arguments,
   info_command->add_flag("--json", info.json, "Print JSON");
   AddCapture(*app.add_subcommand("capture", "Save frames as image files"), capture);
   AddConvert(*app.add_subcommand("convert", "Turn a frame's bytes into an image file"), convert);
+  AddProcess(*app.add_subcommand("process", "Take frames through image operations and save them"),
+             process);
   AddLevel(*app.add_subcommand("level", "Adjust exposure and gain to a brightness, step by step"),
            level);
   AddCalibrate(*app.add_subcommand("calibrate", "Find white balance and defect pixels"), calibrate);
@@ -184,13 +185,18 @@ ParsedArguments ParseArguments(const std::vector<std::string>& arguments,
   } catch (const CLI::Error& error) {
     return AnswerOf(app, error);
   }
-  const std::pair<const char*, ParsedArguments> commands[] = {
-      {"list", list},        {"info", info},
-      {"capture", capture},  {"convert", convert},
-      {"level", level},      {"calibrate", calibrate},
-      {"stats", stats},      {"parameters", parameters},
-      {"get", get},          {"set", set},
-      {"settings", settings}};
+  const std::pair<const char*, ParsedArguments> commands[] = {{"list", list},
+                                                              {"info", info},
+                                                              {"capture", capture},
+                                                              {"convert", convert},
+                                                              {"process", process},
+                                                              {"level", level},
+                                                              {"calibrate", calibrate},
+                                                              {"stats", stats},
+                                                              {"parameters", parameters},
+                                                              {"get", get},
+                                                              {"set", set},
+                                                              {"settings", settings}};
   const std::string name = app.get_subcommands().front()->get_name();
   return std::find_if(std::begin(commands), std::end(commands),
                       [&](const auto& command) { return command.first == name; })

@@ -47,7 +47,7 @@ ExitCode RunConvert(const ConvertOptions& options) {
     throw ToolError(ExitCode::kUsage, "\"" + options.output + "\" exists",
                     "Choose another name, or replace the file with --overwrite.");
   }
-  std::vector<BYTE> pixels = ReadFrameFile(options.input, options.width, options.height, format,
+  std::vector<BYTE> pixels = ReadFrameFile(options.input, {options.width, options.height, format},
                                            "Check --width, --height and --format.");
   const std::uint32_t deep = DeepOutputFormat(format);
   const bool stays =
