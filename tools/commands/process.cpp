@@ -10,6 +10,7 @@
 #include "frame_file.hpp"
 #include "frame_steps.hpp"
 #include "image_writer.hpp"
+#include "names.hpp"
 #include "output_pattern.hpp"
 #include "report.hpp"
 #include "saved_stream.hpp"
@@ -26,6 +27,7 @@ struct Result {
   std::string output;
   std::uint32_t width = 0;
   std::uint32_t height = 0;
+  std::string color_array; /**< Of a raw file; empty where there are pixels of three colours. */
   std::optional<Gains> gains;
 };
 
@@ -40,8 +42,8 @@ class ResultSaver {
     const std::filesystem::path path = pattern_.PathOf(frame.description.index);
     SaveFrame(result.frame, steps_.plan(), path, color_);
     const FrameDescription& description = result.frame.description;
-    results_.push_back(
-        {input, Utf8FromPath(path), description.width, description.height, result.gains});
+    results_.push_back({input, Utf8FromPath(path), description.width, description.height,
+                        result.color ? "" : ColorArrayName(description.color_array), result.gains});
   }
 
   const std::vector<Result>& results() const { return results_; }
@@ -62,6 +64,7 @@ std::string TextOf(const FrameSteps& steps, const std::vector<Result>& results) 
   text += names.empty() ? "none\n" : "\n";
   for (const Result& result : results) {
     text += result.output + Format(": %u x %u", result.width, result.height);
+    text += (result.color_array.empty() ? "" : " ") + result.color_array;
     if (const auto& gains = result.gains) {
       text += Format(", white balance %u,%u,%u,%u", gains->red, gains->green_red, gains->green_blue,
                      gains->blue);
@@ -78,6 +81,7 @@ Json DocumentOf(const FrameSteps& steps, const std::vector<Result>& results) {
                     {"output", result.output},
                     {"width", result.width},
                     {"height", result.height},
+                    {"color_array", result.color_array.empty() ? Json() : Json(result.color_array)},
                     {"gains", result.gains ? JsonOf(*result.gains) : Json()}});
   }
   return {{"steps", steps.Names()}, {"results", list}};
