@@ -63,7 +63,8 @@ Examples:
 
 inline constexpr const char* kProcessFooter =
     R"(Frames come from files, one in each as "vexa capture" saves it in a .raw file, or, when
-none is named, from the camera. The steps are always taken in this order, whatever the
+none is named, from the camera. Those in files are taken for monochrome frames of 8 bits
+unless --color-array and --format say otherwise. The steps are always taken in this order, whatever the
 order of the options; a step that is not asked for is left out:
 
   conversion to 8 bits     samples keep their upper 8 bits; YUV and bgr30 become BGR
@@ -82,7 +83,8 @@ order of the options; a step that is not asked for is left out:
                            four-tap, cell-centred; mono frames stay grey
   --matrix                 for red, green, blue the factors of red, green and blue
                            (9 numbers), or those and an offset in levels (12)
-  --hue, --saturation      degrees; per cent, where 0 is grey and 100 changes nothing
+  --hue, --saturation      degrees, above 0 from red towards magenta; per cent, where 0
+                           is grey and 100 changes nothing
   --gamma, --brightness, --contrast, --negative
                            tone curve of the luminance, hues stay: above 1 lifts the
                            mid-tones; levels to add; levels cut off at each end; the
