@@ -37,6 +37,7 @@ struct Runner {
   ExitCode operator()(const InfoOptions& options) const { return RunInfo(options); }
   ExitCode operator()(const CaptureOptions& options) const { return RunCapture(options); }
   ExitCode operator()(const ConvertOptions& options) const { return RunConvert(options); }
+  ExitCode operator()(const ProcessOptions& options) const { return RunProcess(options); }
   ExitCode operator()(const LevelOptions& options) const { return RunLevel(options); }
   ExitCode operator()(const CalibrateOptions& options) const { return RunCalibrate(options); }
   ExitCode operator()(const StatsOptions& options) const { return RunStats(options); }

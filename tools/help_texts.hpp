@@ -10,6 +10,7 @@ inline constexpr const char* kMainFooter = R"(Examples:
   vexa capture --frames 100 --exposure-ms 5 --output run/frame-%04d.bmp
   vexa capture --format 12bit --output deep.raw
   vexa convert deep.raw deep.tif --width 1280 --height 964 --format 12bit
+  vexa process --white-balance auto --gamma 1.5 --sharpen 80 --output fine.jpg
   vexa level --target 100
   vexa calibrate --output calibrate-%d.bmp
   vexa stats --seconds 30
@@ -32,8 +33,8 @@ command in good order; a second one at once.
 inline constexpr const char* kCaptureFooter =
     R"(File names: %d or %04d is the place of the frame's index, from 1; %% is a percent
 sign. Several frames without a place get "-0001" and so on before the extension.
-The extension chooses the file type: .bmp or .tif a picture, .raw the frame's bytes
-as the camera sends them. Frames deeper than 8 bits need .tif (samples as they are)
+The extension chooses the file type: .bmp, .tif or .jpg a picture, .raw the frame's
+bytes as the camera sends them. Frames deeper than 8 bits need .tif (samples as they are)
 or .raw, YUV frames .raw. Saving runs beside the camera; frames that find no free
 buffer are not saved, and counted.
 
@@ -48,7 +49,8 @@ Examples:
 
 inline constexpr const char* kConvertFooter =
     R"(INPUT holds one frame as "vexa capture" saves it in a .raw file, and nothing else.
-The extension of OUTPUT chooses the file type: .bmp, .tif or .raw (the same bytes).
+The extension of OUTPUT chooses the file type: .bmp, .tif, .jpg or .raw (the same
+bytes).
 With a --color-array other than mono the frame becomes a colour picture of 8 bits
 per channel. Without one, samples deeper than 8 bits stay as they are in a .tif file;
 wherever 8 bits are needed, the upper 8 bits of every sample are taken.
@@ -58,6 +60,49 @@ Methods: none (grey), mosaic, nearest, bilinear, four-tap, cell-centred.
 Examples:
   vexa convert deep.raw deep.tif --width 1280 --height 964 --format 12bit
   vexa convert a.raw a.bmp --width 1280 --height 964 --color-array rggb)";
+
+inline constexpr const char* kProcessFooter =
+    R"(Frames come from files, one in each as "vexa capture" saves it in a .raw file, or, when
+none is named, from the camera. Those in files are taken for monochrome frames of 8 bits
+unless --color-array and --format say otherwise. The steps are always taken in this order, whatever the
+order of the options; a step that is not asked for is left out:
+
+  conversion to 8 bits     samples keep their upper 8 bits; YUV and bgr30 become BGR
+  --dark-frame             removes the pattern that the sensor shows in the dark: FILE
+                           holds such a frame, of the same size and format
+  --impulse-filter         takes single bright pixels down (mono, RGGB, BGGR)
+  --white-balance          auto: gains found on every frame under which the means of
+                           red, green and blue agree; once: those of the first frame
+                           for all; or the gains themselves as "vexa calibrate"
+                           prints them: red, green of red rows, green of blue rows,
+                           blue (or red, green, blue), where 128 changes nothing
+  --raw-gamma              tone curve of the raw samples, above 1 lifts the mid-tones
+  --mirror, then --rotate  horizontal, vertical, diagonal, antidiagonal; 90, 180 or
+                           270 degrees clockwise
+  interpolation            --method: none (grey), mosaic, nearest, bilinear,
+                           four-tap, cell-centred; mono frames stay grey
+  --matrix                 for red, green, blue the factors of red, green and blue
+                           (9 numbers), or those and an offset in levels (12)
+  --hue, --saturation      degrees, above 0 from red towards magenta; per cent, where 0
+                           is grey and 100 changes nothing
+  --gamma, --brightness, --contrast, --negative
+                           tone curve of the luminance, hues stay: above 1 lifts the
+                           mid-tones; levels to add; levels cut off at each end; the
+                           curve the other way round
+  --sharpen                per cent; details of up to --coring levels stay
+
+The extension of --output chooses the file type: .bmp, .tif or .jpg a picture, .raw the
+bytes: of Bayer frames as they are before the interpolation, else of the picture.
+File names are those of "vexa capture".
+
+Most steps keep their settings in an open camera. Then one is opened for files, too;
+nothing is changed in it.
+
+Examples:
+  vexa process --white-balance auto --gamma 1.5 --sharpen 80 -o fine.jpg
+  vexa process a.raw b.raw --width 1280 --height 964 --format 12bit \
+       --color-array rggb --white-balance 90,128,128,230 --rotate 90 -o out-%d.tif
+  vexa process -n 20 --dark-frame dark.raw --impulse-filter -o clean-%02d.raw)";
 
 inline constexpr const char* kLevelFooter =
     R"(Measures the mean brightness of frames (0 to 255, deeper samples scaled down) and

@@ -4,8 +4,10 @@
 
 #include <limits>
 #include <system_error>
+#include <utility>
 
 #include "errors.hpp"
+#include "output_pattern.hpp"
 #include "text.hpp"
 
 namespace vexa::tool {
@@ -94,8 +96,8 @@ void SaveFrame(const StoredFrame& frame, const SavePlan& plan, const std::filesy
   }
 }
 
-ImageWriter::ImageWriter(FramePool& pool, const OutputPattern& pattern, const SavePlan& plan)
-    : pool_(pool), pattern_(pattern), plan_(plan), thread_([this] { Run(); }) {}
+ImageWriter::ImageWriter(FramePool& pool, Save save)
+    : pool_(pool), save_(std::move(save)), thread_([this] { Run(); }) {}
 
 ImageWriter::~ImageWriter() {
   pool_.Close();
@@ -113,11 +115,10 @@ void ImageWriter::Finish() {
 }
 
 void ImageWriter::Run() {
-  std::vector<BYTE> color;
   while (StoredFrame* frame = pool_.Take()) {
     if (!failed_) {
       try {
-        SaveFrame(*frame, plan_, pattern_.PathOf(frame->description.index), color);
+        save_(*frame);
         saved_ += 1;
       } catch (...) {
         failure_ = std::current_exception();

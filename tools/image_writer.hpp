@@ -1,15 +1,15 @@
-/** Saving captured frames beside the transfer. */
+/** Saving frames, also beside a transfer. */
 #pragma once
 
 #include <atomic>
 #include <cstdint>
 #include <exception>
 #include <filesystem>
+#include <functional>
 #include <thread>
 #include <vector>
 
 #include "frame_pool.hpp"
-#include "output_pattern.hpp"
 #include "save_plan.hpp"
 
 namespace vexa::tool {
@@ -22,8 +22,11 @@ void SaveFrame(const StoredFrame& frame, const SavePlan& plan, const std::filesy
 /** A thread that saves the frames of a pool in their order. */
 class ImageWriter {
  public:
-  /** All three outlive the writer; starts the thread. */
-  ImageWriter(FramePool& pool, const OutputPattern& pattern, const SavePlan& plan);
+  /** Saves a frame, on the writer's thread. */
+  using Save = std::function<void(const StoredFrame&)>;
+
+  /** @param pool outlives the writer. Starts the thread. */
+  ImageWriter(FramePool& pool, Save save);
   ImageWriter(const ImageWriter&) = delete;
   ImageWriter& operator=(const ImageWriter&) = delete;
   /** Saves what is queued and ends. */
@@ -42,8 +45,7 @@ class ImageWriter {
   void Run();
 
   FramePool& pool_;
-  const OutputPattern& pattern_;
-  const SavePlan& plan_;
+  const Save save_;
   std::atomic<std::uint32_t> saved_{0};
   std::atomic<bool> failed_{false};
   std::exception_ptr failure_; /**< Written before failed_, read after the thread has ended. */

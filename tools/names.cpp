@@ -24,6 +24,13 @@ constexpr NamedCode kMethods[] = {
     {VEXA_INTERP_FOUR_TAP, "four-tap"}, {VEXA_INTERP_CELL_CENTRED, "cell-centred"},
 };
 
+constexpr NamedCode kMirrors[] = {
+    {VEXA_MIRROR_HORIZONTAL, "horizontal"},
+    {VEXA_MIRROR_VERTICAL, "vertical"},
+    {VEXA_TRANSPOSE, "diagonal"},
+    {VEXA_TRANSPOSE_ANTIDIAGONAL, "antidiagonal"},
+};
+
 constexpr NamedCode kColorArrays[] = {
     {VEXA_COLOR_ARRAY_MONO, "mono"}, {VEXA_COLOR_ARRAY_RGGB, "RGGB"},
     {VEXA_COLOR_ARRAY_GRBG, "GRBG"}, {VEXA_COLOR_ARRAY_GBRG, "GBRG"},
@@ -143,6 +150,12 @@ std::optional<std::uint16_t> ParseColorArray(std::string_view text) {
 }
 
 std::span<const NamedCode> InterpolationMethods() { return kMethods; }
+
+std::string InterpolationName(std::uint32_t code) { return NameIn(kMethods, code); }
+
+std::span<const NamedCode> Mirrors() { return kMirrors; }
+
+std::string MirrorName(std::uint32_t code) { return NameIn(kMirrors, code); }
 
 std::string ColorArrayName(std::uint32_t code) { return NameIn(kColorArrays, code); }
 

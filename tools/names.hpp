@@ -55,6 +55,15 @@ std::optional<std::uint16_t> ParseColorArray(std::string_view text);
 /** The interpolation methods and their names on the command line. */
 std::span<const NamedCode> InterpolationMethods();
 
+/** The name of an interpolation method, or the number. */
+std::string InterpolationName(std::uint32_t code);
+
+/** The mirrors of Vexa_MirrorRotation() and their names on the command line. */
+std::span<const NamedCode> Mirrors();
+
+/** The name of a mirror, or the number. */
+std::string MirrorName(std::uint32_t code);
+
 /** "mono", "RGGB", "GRBG", "GBRG", "BGGR", or the number. */
 std::string ColorArrayName(std::uint32_t code);
 

@@ -1,6 +1,7 @@
 /** The command line: what the user asked for. */
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -19,6 +20,15 @@ struct Region {
   std::uint32_t y = 0;
   std::uint32_t width = 0;
   std::uint32_t height = 0;
+};
+
+/** White-balance gains as Vexa_SetWhiteBalanceGain() counts them. */
+inline constexpr std::uint16_t kUnityGain = 128;
+struct Gains {
+  std::uint16_t red = kUnityGain;
+  std::uint16_t green_red = kUnityGain; /**< Green in rows with red. */
+  std::uint16_t green_blue = kUnityGain;
+  std::uint16_t blue = kUnityGain;
 };
 
 /** Camera settings to change before a transfer; what is not given stays as it is. */
@@ -63,6 +73,54 @@ struct ConvertOptions {
   std::optional<std::uint16_t> color_array; /**< VEXA_COLOR_ARRAY_ code. */
   std::optional<std::uint8_t> method;       /**< VEXA_INTERP_ code. */
   bool overwrite = false;
+};
+
+/** How white-balance gains come about. */
+enum class GainSource {
+  kGiven,
+  kOnce, /**< Found on the first frame. */
+  kAuto, /**< Found on every frame. */
+};
+
+/** White balance of raw frames on this computer. */
+struct BalanceOptions {
+  GainSource source = GainSource::kGiven;
+  Gains gains; /**< For kGiven. */
+};
+
+/** Steps from a frame to a result, in the order in which they are taken. What is not given is left
+ * out, but for the interpolation. */
+struct StepOptions {
+  std::string dark_frame; /**< File to subtract; empty: none. */
+  bool impulse_filter = false;
+  std::optional<BalanceOptions> white_balance;
+  std::optional<Region> grey_area; /**< Where to find the gains; the whole frame if not given. */
+  std::optional<double> raw_gamma;
+  std::optional<std::uint8_t> mirror;                 /**< Operation of Vexa_MirrorRotation(). */
+  std::optional<std::uint32_t> rotate;                /**< Degrees clockwise: 90, 180 or 270. */
+  std::optional<std::uint8_t> method;                 /**< VEXA_INTERP_ code. */
+  std::optional<std::array<std::int16_t, 12>> matrix; /**< As Vexa_SetColorMatrix(). */
+  std::optional<double> hue;                          /**< Degrees. */
+  std::optional<double> saturation;                   /**< Per cent. */
+  std::optional<double> gamma;
+  std::optional<int> brightness;         /**< Levels. */
+  std::optional<std::uint32_t> contrast; /**< Levels cut off at each end. */
+  bool negative = false;
+  std::optional<std::uint32_t> sharpen; /**< Per cent. */
+  std::uint32_t coring = 0;             /**< Levels that are not sharpened. */
+};
+
+struct ProcessOptions {
+  StreamOptions stream;            /**< Its transfer format counts for files, too. */
+  std::vector<std::string> inputs; /**< Files; none: frames from the camera. */
+  std::uint32_t width = 0;         /**< Of the frames in files. */
+  std::uint32_t height = 0;
+  std::optional<std::uint16_t> color_array; /**< Of the frames in files. */
+  std::uint32_t frames = 1;                 /**< From the camera. */
+  StepOptions steps;
+  std::string output = "processed-%04d.bmp";
+  bool overwrite = false;
+  bool json = false;
 };
 
 struct LevelOptions {
@@ -128,9 +186,10 @@ struct Answer {
   std::string error;  /**< For the standard error. */
 };
 
-using ParsedArguments = std::variant<Answer, ListOptions, InfoOptions, CaptureOptions,
-                                     ConvertOptions, LevelOptions, CalibrateOptions, StatsOptions,
-                                     ParametersOptions, GetOptions, SetOptions, SettingsOptions>;
+using ParsedArguments =
+    std::variant<Answer, ListOptions, InfoOptions, CaptureOptions, ConvertOptions, ProcessOptions,
+                 LevelOptions, CalibrateOptions, StatsOptions, ParametersOptions, GetOptions,
+                 SetOptions, SettingsOptions>;
 
 /** Reads the command line.
  *  @param arguments without the program's name, UTF-8.

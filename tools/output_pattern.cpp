@@ -12,7 +12,7 @@ namespace {
 constexpr const char* kPatternAdvice =
     "Write the place of the frame index as %d or %04d, once, and a percent sign as %%.";
 constexpr const char* kExtensionAdvice =
-    "Use .bmp or .tif for a picture, or .raw for the frame's bytes.";
+    "Use .bmp, .tif or .jpg for a picture, or .raw for the frame's bytes.";
 
 struct PatternParts {
   std::string before;

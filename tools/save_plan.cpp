@@ -40,7 +40,8 @@ SavePlan PlanSaving(FileType type, std::uint32_t format, std::uint16_t color_arr
                     "frames in the format " + name + " can only be saved as " +
                         (deep_format != 0 ? ".tif and .raw files" : ".raw files"),
                     std::string("Give --output a name that ends with ") +
-                        (deep_format != 0 ? ".tif or " : "") + ".raw, or choose --format 8bit.");
+                        (deep_format != 0 ? ".tif or " : "") +
+                        ".raw, or choose --format 8bit; \"vexa process\" makes pictures of them.");
   }
   if (color_array == VEXA_COLOR_ARRAY_MONO) {
     return {.content = Content::kGrey};

@@ -8,6 +8,7 @@
 namespace vexa::tool {
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 ParsedArguments Parse(const std::vector<std::string>& arguments) {
@@ -48,6 +49,20 @@ TEST(Arguments, RefusesWhatIsWrongAndSaysWhat) {
       {{"convert", "a.raw", "a.bmp", "--width", "4"}, "--height"},
       {{"convert", "a.raw", "a.bmp", "--width", "65536", "--height", "1"}, "65536"},
       {{"convert", "a.raw", "a.bmp", "--color-array", "rgb"}, "GBRG"},
+      {{"process", "a.raw"}, "--width: missing"},
+      {{"process", "--color-array", "rggb"}, "no file is named"},
+      {{"process", "a.raw", "--width", "4", "--height", "4", "-n", "2"}, "files are named"},
+      {{"process", "--white-balance", "auto,1,1"}, "128 changes nothing"},
+      {{"process", "--white-balance", "1,2"}, "three or four gains"},
+      {{"process", "--white-balance", "128,,128"}, "\"\""},
+      {{"process", "--white-balance", "65536,1,1"}, "65536"},
+      {{"process", "--white-balance", "1,1,1", "--grey-area", "0,0,4,4"}, "auto or once"},
+      {{"process", "--matrix", "1,0,0,0,1,0,0,0"}, "9 numbers"},
+      {{"process", "--matrix", "1,0,0,0,1,0,0,0,nan"}, "\"nan\""},
+      {{"process", "--mirror", "up"}, "antidiagonal"},
+      {{"process", "--rotate", "45"}, "90"},
+      {{"process", "--coring", "3"}, "--sharpen"},
+      {{"process", "--contrast", "128"}, "127"},
       {{"level", "--mode", "7"}, "--mode"},
       {{"level", "--gain", "65536"}, "--gain"},
       {{"stats", "--seconds", "0"}, "--seconds"},
@@ -108,6 +123,24 @@ TEST(Arguments, CollectsTheSettingsOfACapture) {
   EXPECT_EQ(
       std::get<CaptureOptions>(Parse({"capture", "--format", "0x0400"})).stream.settings.format,
       VEXA_TRANSFER_BGR24);
+}
+
+TEST(Arguments, CollectsTheStepsOfAProcessing) {
+  const auto steps = [](const std::vector<std::string>& arguments) {
+    std::vector<std::string> all = {"process"};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    return std::get<ProcessOptions>(Parse(all)).steps;
+  };
+  const Gains three = steps({"--white-balance", "90,128,0"}).white_balance->gains;
+  EXPECT_EQ(std::tuple(three.red, three.green_red, three.green_blue, three.blue),
+            std::tuple(90, 128, 128, 0));
+  const Gains four = steps({"--white-balance", "1,2,3,65535"}).white_balance->gains;
+  EXPECT_EQ(std::tuple(four.red, four.green_red, four.green_blue, four.blue),
+            std::tuple(1, 2, 3, 65535));
+  EXPECT_THAT(*steps({"--matrix", "1,-.5,0,0,1,0,0,.005,1"}).matrix,
+              ElementsAre(100, -50, 0, 0, 0, 100, 0, 0, 0, 1, 100, 0));
+  EXPECT_THAT(*steps({"--matrix", "1,2,3,4,5,6,7,8,9,10,11,-327.67"}).matrix,
+              ElementsAre(100, 200, 300, 400, 500, 600, 700, 800, 900, 1000, 1100, -32767));
 }
 
 TEST(Arguments, HelpAndVersionSucceed) {

@@ -10,6 +10,7 @@ Wine for the program here.
 import json
 import os
 import pathlib
+import re
 import shutil
 import signal
 import struct
@@ -131,6 +132,9 @@ class Conversion(EndToEnd):
         self.expect(self.convert("same.raw"), 0)
         self.assertEqual((self.folder / "same.raw").read_bytes(), raw)
         self.expect(self.convert("same.raw"), 2, "same.raw", "--overwrite")
+        self.expect(vexa("process", "in.raw", "--width", 8, "--height", 6, "--rotate", 180, "-o",
+                         "turned.raw", folder=self.folder), 0, "turned.raw: 8 x 6 mono")
+        self.assertEqual((self.folder / "turned.raw").read_bytes(), raw[::-1])
 
         (self.folder / "in.raw").write_bytes(struct.pack("<48H", *deep))
         self.expect(self.convert("deep.tif", "--format", "12bit"), 0)
@@ -258,6 +262,71 @@ class WithCameras(EndToEnd):
                 self.assertGreater(max(pixel(x, y)), 200, place)
                 around = max(max(after[2](x + dx, y)) for dx in (-3, 3))
                 self.assertLess(max(after[2](x, y)), around + 40, place)
+
+    def test_process_takes_files_and_frames_through_the_steps(self):
+        told = self.capture("-c", 2, "--format", "12bit", "-o", "lamp.raw")
+        frames = ["lamp.raw", *re.search("Read with (.*)", told)[1].split()]
+        self.assertEqual(frames[2::2], ["1024", "776", "12bit", "GRBG"])
+
+        def process(*arguments):
+            run = vexa("process", *arguments, "--json", folder=self.folder)
+            if run.returncode == 4:  # as for capture()
+                self.assertIn("lost", run.stderr)
+            else:
+                self.expect(run, 0)
+            return json.loads(run.stdout)
+
+        report = process("lamp.raw", *frames, "--white-balance", "once", "--gamma", 1.2, "--mirror",
+                         "vertical", "--rotate", 90, "-o", "a%d.bmp")
+        self.assertEqual([step.split()[0] for step in report["steps"]],
+                         ["12bit", "white", "mirror", "rotate", "interpolation", "gamma"])
+        first, second = report["results"]
+        self.assertEqual(first["gains"], second["gains"])
+        self.assertLess(first["gains"]["red"], 110)
+        self.assertGreater(first["gains"]["blue"], 190)
+        width, height, pixel = read_bmp(self.folder / second["output"])
+        self.assertEqual((width, height), (776, 1024))
+        _, _, upright = read_bmp(self.folder / process(*frames, "-o", "b.bmp", "--white-balance",
+                                                       "auto", "--gamma", 1.2)["results"][0]["output"])
+        differences = [abs(a - b) for x in range(50, 1000, 19) for y in range(50, 700, 19)
+                       for a, b in zip(pixel(y, x), upright(x, y))]
+        self.assertLess(sum(differences) / len(differences), 4, "turned, the same picture")
+        red, green, blue = upright(1024 // 20, 776 - 776 // 5)  # the wall
+        self.assertLess(max(red, green, blue) - min(red, green, blue), 24)
+
+        # Through a raw file, in two steps, as in one.
+        half, = process(*frames, "--rotate", 180, "--white-balance", "70,128,250", "-o",
+                        "half.raw")["results"]
+        self.assertEqual(half["color_array"], "GBRG")
+        process("half.raw", *frames[1:5], "--color-array", half["color_array"], "--method",
+                "nearest", "-o", "two.bmp")
+        process(*frames, "--rotate", 180, "--white-balance", "70,128,250", "--method", "nearest",
+                "-o", "one.bmp")
+        self.assertEqual((self.folder / "two.bmp").read_bytes(),
+                         (self.folder / "one.bmp").read_bytes())
+
+        for options in (["-c", 3, "--format", "yuv422", "--hue", 20], ["-c", 1, "--sharpen", 100],
+                        ["-n", 3, "--impulse-filter", "--white-balance", "auto"]):
+            report = process(*options, "--timeout", WAIT, "-o", "live.tif", "--overwrite")
+            self.assertTrue(all((self.folder / result["output"]).stat().st_size > 1e6 and
+                                result["input"] is None for result in report["results"]))
+        mono = frames[:-2]
+        for code, arguments, says in (
+                (1, [*frames, "gone.raw"], ["gone.raw", "exists"]),  # before anything is written
+                (2, [*frames[:4], 775, *frames[5:]], ["1589248 bytes", "1024 x 775", "--height"]),
+                (2, [*mono, "--hue", 5], ["--hue", "monochrome", "--color-array"]),
+                (2, [*frames, "--impulse-filter"], ["--impulse-filter", "GRBG"]),
+                (2, [*frames, "--sharpen", 5, "-o", "x.raw"], ["--sharpen", ".raw", ".bmp"]),
+                (2, [*frames, "-o", "a1.bmp"], ["a1.bmp", "--overwrite"]),
+                (2, [*mono, "-o", "lamp.raw", "--overwrite"], ["to read and to write"]),
+                (2, [*mono, "--dark-frame", "half.raw"], ["half.raw", "dark frame"]),
+                (2, [*frames, "--white-balance", "auto", "--grey-area", "1023,0,9,9"], ["2 x 2"]),
+                (2, ["-c", 3, "--format", "bgr24", "--rotate", 90], ["--rotate", "bgr24"]),
+                (3, [*frames, "--hue", 5, "-c", 9], ["index 9", "open camera"])):
+            with self.subTest(arguments=arguments):
+                run = vexa("process", *arguments, folder=self.folder)
+                self.expect(run, code, *says)
+        self.assertFalse((self.folder / "processed-0001.bmp").exists())
 
     def test_settings_by_number_and_in_files(self):
         listed = {entry["name"]: entry for entry in

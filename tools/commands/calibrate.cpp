@@ -1,6 +1,4 @@
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <optional>
 
 #include "camera.hpp"
@@ -12,11 +10,11 @@
 #include "output_pattern.hpp"
 #include "report.hpp"
 #include "text.hpp"
+#include "white_balance.hpp"
 
 namespace vexa::tool {
 namespace {
 
-constexpr WORD kUnityGain = 128;
 constexpr DWORD kHardwareWhiteBalance = 24;
 constexpr DWORD kDefectPixelCorrection = 59;
 constexpr DWORD kDefectsOff = 0;
@@ -67,37 +65,9 @@ Tasks ChooseTasks(const Camera& camera, const CalibrateOptions& options,
   return tasks;
 }
 
-struct Gains {
-  WORD red = kUnityGain;
-  WORD green_red = kUnityGain;
-  WORD green_blue = kUnityGain;
-  WORD blue = kUnityGain;
-};
-
 void SetGains(const Camera& camera, const Gains& gains) {
   camera.Call("Vexa_SetWhiteBalanceGain", Vexa_SetWhiteBalanceGain, gains.red, gains.green_red,
               gains.green_blue, gains.blue);
-}
-
-/** Mean levels of a frame's colours. */
-struct Colours {
-  double red = 0;
-  double green = 0;
-  double blue = 0;
-};
-
-Colours MeasureColours(const StoredFrame& frame) {
-  const FrameDescription& description = frame.description;
-  std::array<float, 4> mean{};
-  if (Vexa_GetAveragePixelValue(description.width, description.height, description.color_array,
-                                VEXA_TRANSFER_8BIT, frame.pixels.data(), 0, 0, description.width,
-                                description.height, mean.data()) == 0) {
-    throw ApiError("Vexa_GetAveragePixelValue", GetLastError());
-  }
-  // The colour arrays count through the four places of red in a cell.
-  const std::size_t red = description.color_array - std::size_t{VEXA_COLOR_ARRAY_RGGB};
-  const auto level = [&](std::size_t position) { return static_cast<double>(mean[position & 3]); };
-  return {level(red), (level(red ^ 1) + level(red ^ 2)) / 2, level(red ^ 3)};
 }
 
 /** Has the library find the gains of the host from a frame. */
@@ -110,29 +80,12 @@ Gains FindHostGains(const Camera& camera, StoredFrame frame) {
   return gains;
 }
 
-WORD Scaled(WORD gain, double from, double to) {
-  constexpr double kMost = 65535;
-  const double scaled = from > 0 ? gain * to / from : kUnityGain;
-  return static_cast<WORD>(std::lround(std::clamp(scaled, 1.0, kMost)));
-}
-
-/** Sets the camera's gains until the means of the colours agree. Saturated pixels do not follow the
- * gain, so that it takes more than one frame. */
-Gains FindCameraGains(const Camera& camera, const FrameGrabber& grabber, Colours colours) {
-  constexpr int kMostRounds = 8;
-  constexpr double kCloseEnough = 0.005;  // of the green level
-  Gains gains;
-  const auto differs = [&](double level) {
-    return std::abs(level - colours.green) > kCloseEnough * colours.green;
-  };
-  for (int round = 0; round < kMostRounds && (differs(colours.red) || differs(colours.blue));
-       ++round) {
-    gains.red = Scaled(gains.red, colours.red, colours.green);
-    gains.blue = Scaled(gains.blue, colours.blue, colours.green);
+/** Finds gains of the camera's own. */
+Gains FindCameraGains(const Camera& camera, const FrameGrabber& grabber, const Colours& colours) {
+  return FindGains(colours, [&](const Gains& gains) {
     SetGains(camera, gains);
-    colours = MeasureColours(grabber.Grab());
-  }
-  return gains;
+    return MeasureColours(grabber.Grab());
+  });
 }
 
 struct Position {
@@ -219,12 +172,7 @@ Section WhiteBalanceSection(const Tasks& tasks, const Gains& gains, const Colour
           "White balance",
           {{"in_camera", "Applied by", tasks.white_balance_in_camera,
             tasks.white_balance_in_camera ? "the camera" : "the host (Vexa_WhiteBalance)"},
-           {"gains",
-            "Gains (128 is unity)",
-            {{"red", gains.red},
-             {"green_red", gains.green_red},
-             {"green_blue", gains.green_blue},
-             {"blue", gains.blue}},
+           {"gains", "Gains (128 is unity)", JsonOf(gains),
             Format("%u red, %u and %u green, %u blue", gains.red, gains.green_red, gains.green_blue,
                    gains.blue)},
            ColoursFact("mean_before", "Mean level before", before),

@@ -19,6 +19,9 @@ ExitCode RunCapture(const CaptureOptions& options);
 /** Turns a frame's bytes into an image file; needs no camera. */
 ExitCode RunConvert(const ConvertOptions& options);
 
+/** Takes frames from files or a camera through image operations and saves them. */
+ExitCode RunProcess(const ProcessOptions& options);
+
 /** Streams until the automatic level control has settled, and prints its steps. */
 ExitCode RunLevel(const LevelOptions& options);
 

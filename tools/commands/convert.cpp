@@ -1,48 +1,15 @@
 #include <cstddef>
-#include <fstream>
-#include <ios>
 
 #include "commands.hpp"
+#include "frame_file.hpp"
 #include "frame_pool.hpp"
 #include "image_writer.hpp"
 #include "names.hpp"
 #include "output_pattern.hpp"
 #include "save_plan.hpp"
-#include "text.hpp"
 
 namespace vexa::tool {
 namespace {
-
-std::vector<BYTE> ReadFrame(const ConvertOptions& options, std::uint32_t format) {
-  const std::filesystem::path path = PathFromUtf8(options.input);
-  std::error_code error;
-  const std::uintmax_t size = std::filesystem::file_size(path, error);
-  if (error) {
-    throw ToolError(ExitCode::kFailure, "\"" + options.input + "\" cannot be read",
-                    "Check that the file exists and that you may read it.");
-  }
-  const TransferFormat* layout = FindTransferFormat(format);
-  if (layout == nullptr) {
-    throw ToolError(ExitCode::kUsage, Format("0x%04X is no transfer format", format),
-                    "Known: " + TransferFormatNames(~0u) + ".");
-  }
-  const std::uint64_t expected = ImageBytes(options.width, options.height, format);
-  if (size != expected) {
-    throw ToolError(
-        ExitCode::kUsage,
-        Format("\"%s\" has %ju bytes, but %u x %u pixels in the format %s are %ju bytes",
-               options.input.c_str(), size, options.width, options.height, layout->name,
-               std::uintmax_t{expected}),
-        "Check --width, --height and --format.");
-  }
-  std::vector<BYTE> bytes(static_cast<std::size_t>(size));
-  std::ifstream file(path, std::ios::binary);
-  if (!file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(size))) {
-    throw ToolError(ExitCode::kFailure, "\"" + options.input + "\" cannot be read to its end",
-                    "Check the disk, and that no other program writes the file.");
-  }
-  return bytes;
-}
 
 /** The upper 8 bits of samples in little-endian words; samples that exceed their bits are white. */
 std::vector<BYTE> UpperBits(const std::vector<BYTE>& words, int bits) {
@@ -80,7 +47,8 @@ ExitCode RunConvert(const ConvertOptions& options) {
     throw ToolError(ExitCode::kUsage, "\"" + options.output + "\" exists",
                     "Choose another name, or replace the file with --overwrite.");
   }
-  std::vector<BYTE> pixels = ReadFrame(options, format);
+  std::vector<BYTE> pixels = ReadFrameFile(options.input, {options.width, options.height, format},
+                                           "Check --width, --height and --format.");
   const std::uint32_t deep = DeepOutputFormat(format);
   const bool stays =
       type == FileType::kRaw || (type == FileType::kTiff && color_array == VEXA_COLOR_ARRAY_MONO);
