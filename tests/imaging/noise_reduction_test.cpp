@@ -128,26 +128,17 @@ class NoiseReductionTest : public test::CameraTest {
 };
 
 TEST_F(NoiseReductionTest, KnownFrames) {
-  Bytes frame(25, 50);
-  frame[12] = 255;
-  frame[6] = 3;
-  Bytes expected(25, 50);
-  expected[6] = 3;
-  ASSERT_TRUE(Run(kImpulse, 5, 5, 0x10001, &frame));
-  EXPECT_EQ(frame, expected);
-
   // Dark excess of 10 in the middle, of 5 at its right; the bright pixel takes its neighbours'
   // level, a dark one does not.
   Bytes dark(25, 7);
   dark[12] = 17;
   dark[13] = 12;
   ASSERT_TRUE(Run(kStore, 5, 5, 1, &dark));
-  frame = Bytes(25, 250);
+  Bytes frame(25, 250);
   frame[12] = 255;
-  frame[13] = 250;
-  expected = Bytes(25, 250);
+  Bytes expected(25, 250);
   expected[13] = 245;
-  ASSERT_TRUE(Run(kDarkFrame, 5, 5, 1, &frame));
+  ASSERT_TRUE(Run(kDarkFrame, 5, 5, 0x10001, &frame));
   EXPECT_EQ(frame, expected);
   ASSERT_TRUE(Run(VEXA_NOISE_REDUCTION_OFF, 9, 9, 9, &frame));
   EXPECT_EQ(frame, expected);

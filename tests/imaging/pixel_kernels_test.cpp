@@ -3,29 +3,18 @@
 #include <algorithm>
 #include <array>
 #include <functional>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "imaging/color_correction.hpp"
 #include "imaging/conversion.hpp"
+#include "imaging/frames.hpp"
 #include "imaging/gamma.hpp"
 
 namespace vexa::imaging {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
-
-/// Uneven noise, or ramps and steps with many values at the ends of the range.
-Bytes Frame(std::size_t size, unsigned kind) {
-  std::mt19937 random(kind);
-  Bytes frame(size);
-  for (std::size_t i = 0; i < size; ++i) {
-    const std::size_t structured = i / 16 % 3 == 0 ? i / 3 : i / 7 % 2 == 0 ? 255 : 0;
-    frame[i] = static_cast<std::uint8_t>(kind % 2 == 0 ? random() : structured);
-  }
-  return frame;
-}
+using test::Bytes;
 
 struct Image {
   std::uint32_t width;
@@ -64,7 +53,8 @@ class Operations {
       }
     }
     for (std::uint8_t channel = 0; channel < kGammaChannels; ++channel) {
-      EXPECT_TRUE(gamma_.Set(channel, {.mode = 255}, Frame(256, channel * 2U).data()).ok());
+      EXPECT_TRUE(
+          gamma_.Set(channel, {.mode = 255}, test::MakeFrame(256, channel * 4U).data()).ok());
     }
     for (const std::uint16_t array : {std::uint16_t{2}, std::uint16_t{5}}) {
       Add("raw gamma", 0, [=, this](const Image& i, const PixelKernels& kernels) {
@@ -124,10 +114,10 @@ void ExpectSameFromAllVersions(const Operations& operations, std::uint32_t width
   const std::size_t shift = (width * 5 + height) % 16;  // any alignment
   const std::size_t size = std::size_t{width} * height * 4;
   const unsigned kind = width + height;
-  const Bytes before = Frame(2 * kGuard + shift + size, kind + 2);
+  const Bytes before = test::MakeFrame(2 * kGuard + shift + size, kind + 2);
   for (const auto& [name, bytes, run] : operations.all()) {
     // Without a byte more than the pixels have, so that sanitizers notice reading beyond.
-    const Bytes source = Frame(shift + size / 4 * bytes / 4, kind);
+    const Bytes source = test::MakeFrame(shift + size / 4 * bytes / 4, kind);
     const auto result = [&](const PixelKernels& kernels) {
       Bytes target = before;
       const Status status =
@@ -150,12 +140,12 @@ void ExpectSameFromAllVersions(const Operations& operations, std::uint32_t width
 TEST(PixelKernels, AllVersionsGiveTheSameForAllSizes) {
   ASSERT_GT(UsablePixelKernels().size(), 1U) << "no vector version runs on this processor";
   const Operations operations;
-  for (std::uint32_t height = 1; height <= 35; ++height) {
-    for (std::uint32_t width = 1; width <= 67; ++width) {
-      ASSERT_NO_FATAL_FAILURE(ExpectSameFromAllVersions(operations, width, height));
-    }
-  }
-  ASSERT_NO_FATAL_FAILURE(ExpectSameFromAllVersions(operations, 516, 260));
+  test::ForAllSizes([&](int width, int height) {
+    ExpectSameFromAllVersions(operations, static_cast<std::uint32_t>(width),
+                              static_cast<std::uint32_t>(height));
+  });
+  ASSERT_FALSE(HasFatalFailure());
+  ExpectSameFromAllVersions(operations, 516, 260);
 }
 
 /// Every combination that the vectors' arithmetic can meet, once.
@@ -172,7 +162,7 @@ TEST(PixelKernels, AllVersionsGiveTheSameForAllValues) {
     kernels->convert[kFromYuv444][kToBgr24](yuv.data(), actual.data(), 256 * 256);
     ASSERT_TRUE(actual == expected) << kernels->name;
     actual = expected = yuv;
-    const Bytes table = Frame(256, 8);
+    const Bytes table = test::MakeFrame(256, 8);
     kReferencePixelKernels.shift_luma_bgr24(table.data(), expected.data(), 256 * 256);
     kernels->shift_luma_bgr24(table.data(), actual.data(), 256 * 256);
     ASSERT_TRUE(actual == expected) << kernels->name;

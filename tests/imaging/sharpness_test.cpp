@@ -155,16 +155,13 @@ TEST_F(SharpnessTest, RefusalsLeaveTheImage) {
   EXPECT_TRUE(Vexa_Sharpness(camera_, 2, 0xFFFFFFFF, VEXA_OUTPUT_BGR32, nullptr));
   EXPECT_TRUE(Vexa_Sharpness(camera_, 0xFFFFFFFF, 2, VEXA_OUTPUT_BGR32, nullptr));
   const struct {
-    DWORD width, height, format;
+    DWORD side, format;
     BYTE* image;
-  } refused[] = {{40, 40, 2, image.data()},
-                 {2, 2, 0, image.data()},
-                 {40, 40, 12, image.data()},
-                 {40, 40, 1, nullptr},
-                 {0xFFFFFFFF, 0xFFFFFFFF, 1, image.data()}};
-  for (const auto& [width, height, format, buffer] : refused) {
+  } refused[] = {
+      {40, 2, image.data()}, {2, 0, image.data()}, {40, 1, nullptr}, {0xFFFFFFFF, 1, image.data()}};
+  for (const auto& [side, format, buffer] : refused) {
     SetLastError(0);
-    EXPECT_FALSE(Vexa_Sharpness(camera_, width, height, format, buffer));
+    EXPECT_FALSE(Vexa_Sharpness(camera_, side, side, format, buffer));
     EXPECT_EQ(GetLastError(), 87U);
   }
   {

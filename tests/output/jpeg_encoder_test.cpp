@@ -24,30 +24,23 @@ Samples Encoded(const Samples& picture, int width, int height, int channels, int
 }
 
 // Segments in the form that they have in a file.
-class SegmentList {
- public:
-  SegmentList& Add(std::initializer_list<int> bytes) {
-    for (const int byte : bytes) bytes_.push_back(static_cast<std::uint8_t>(byte));
+struct SegmentList {
+  SegmentList& Add(std::span<const std::uint8_t> more) {
+    bytes.insert(bytes.end(), more.begin(), more.end());
     return *this;
   }
-  SegmentList& Add(std::span<const std::uint8_t> bytes) {
-    bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
-    return *this;
-  }
-  SegmentList& AddHuffman(int length, int id, const HuffmanLists& lists) {
+  SegmentList& Add(const Samples& more) { return Add(std::span(more)); }
+  SegmentList& AddHuffman(std::uint8_t length, std::uint8_t id, const HuffmanLists& lists) {
     return Add({0xFF, 0xC4, 0, length, id}).Add(lists.counts).Add(lists.values);
   }
-  const Samples& bytes() const { return bytes_; }
-
- private:
-  Samples bytes_;
+  Samples bytes;
 };
 
 TEST(JpegEncoder, FilesHaveTheSegmentsThatTheStandardsAskFor) {
   constexpr int kWidth = 0x123;
   constexpr int kHeight = 0x203;
-  const std::initializer_list<int> start = {0xFF, 0xD8, 0xFF, 0xE0, 0, 16, 'J', 'F', 'I', 'F',
-                                            0,    1,    2,    0,    0, 1,  0,   1,   0,   0};
+  const Samples start = {0xFF, 0xD8, 0xFF, 0xE0, 0, 16, 'J', 'F', 'I', 'F',
+                         0,    1,    2,    0,    0, 1,  0,   1,   0,   0};
   const Samples picture = NoisePicture(3 * kWidth * kHeight, 1);
   // Without scaling the tables of the standard are in the file as they are.
   SegmentList grey;
@@ -72,7 +65,7 @@ TEST(JpegEncoder, FilesHaveTheSegmentsThatTheStandardsAskFor) {
       .Add({0xFF, 0xDA, 0, 12, 3, 0, 0, 1, 0x11, 2, 0x11, 0, 63, 0});
   for (const auto& [channels, segments] : {std::pair{1, &grey}, {3, &colour}}) {
     const Samples file = Encoded(picture, kWidth, kHeight, channels, 0);
-    const Samples& expected = segments->bytes();
+    const Samples& expected = segments->bytes;
     ASSERT_GT(file.size(), expected.size() + 2);
     EXPECT_EQ(Samples(file.begin(), file.begin() + std::ssize(expected)), expected);
     EXPECT_EQ(Samples(file.end() - 2, file.end()), (Samples{0xFF, 0xD9}));

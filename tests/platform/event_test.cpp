@@ -15,14 +15,10 @@ TEST(Event, WaitAnyAnswersTheLowestSignalledIndexAndChangesNothing) {
     bool set[3];
     std::size_t expected;
   };
-  const Case cases[] = {
-      {{false, false, false}, WaitResult::kTimedOut},
-      {{true, false, false}, 0},
-      {{false, true, false}, 1},
-      {{false, false, true}, 2},
-      {{true, true, true}, 0},
-      {{false, true, true}, 1},
-  };
+  const Case cases[] = {{{false, false, false}, WaitResult::kTimedOut},
+                        {{true, true, true}, 0},
+                        {{false, true, true}, 1},
+                        {{false, false, true}, 2}};
   for (const Case& c : cases) {
     Event a, b, d;
     Event* const events[] = {&a, &b, &d};

@@ -24,9 +24,10 @@ TEST_F(RegistryTest, QueryReadsUpToFourBytesOverTheCallersValue) {
     std::uint32_t result;
     std::uint32_t value;
   } cases[] = {
-      {u"Full", 0, 0x12345678},  {u"fULL", 0, 0x12345678},
-      {u"Short", 0, 0x1111ABCD}, {u"Long", 234, 0x11111111},  // ERROR_MORE_DATA
-      {u"Other", 2, 0x11111111},                              // ERROR_FILE_NOT_FOUND
+      {u"fULL", 0, 0x12345678},
+      {u"Short", 0, 0x1111ABCD},
+      {u"Long", 234, 0x11111111},  // ERROR_MORE_DATA
+      {u"Other", 2, 0x11111111},   // ERROR_FILE_NOT_FOUND
   };
   const CwRegKey key(RegistryRoot::kCurrentUser, u"SOFTWARE\\vexaplatformtest", kRegistryRead,
                      false);

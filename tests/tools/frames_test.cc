@@ -25,7 +25,6 @@ TEST(FrameCounter, CountsGapsAcrossTheWrapAndNotRestarts) {
     std::vector<bool> consecutive;
   } kCases[] = {
       {"first number counts nothing", {4000000000u}, 0, 0, {false}},
-      {"in order", {7, 8, 9}, 0, 0, {false, true, true}},
       {"gaps", {1, 3, 4, 10}, 6, 0, {false, false, true, false}},
       {"wrap", {0xFFFFFFFEu, 0xFFFFFFFFu, 0, 1}, 0, 0, {false, true, true, true}},
       {"gap across the wrap", {0xFFFFFFFEu, 2}, 3, 0, {false, false}},
@@ -59,10 +58,6 @@ TEST(Jitter, TakesNearestRanksOfTheDeviationFromTheMedian) {
   EXPECT_EQ(jitter.p90, 0ms);  // the 90th of 100
   EXPECT_EQ(jitter.p99, 1ms);  // the 99th: the largest deviation is no 99 % value
   EXPECT_EQ(jitter.max, 7ms);
-
-  const Jitter single = *JitterOf({5ms});
-  EXPECT_EQ(single.median, 5ms);
-  EXPECT_EQ(single.max, 0ms);
 
   std::vector<Nanoseconds> ranks(10);
   std::iota(ranks.begin(), ranks.end(), 1ns);

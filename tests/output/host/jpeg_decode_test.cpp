@@ -53,18 +53,9 @@ Samples Ramp(int width, int height, int channels) {
 }
 
 TEST(JpegDecoding, EverySizeReadsBackWithoutAWarning) {
-  for (const auto& [width, height] : {std::pair{1, 1},
-                                      {2, 1},
-                                      {1, 9},
-                                      {7, 8},
-                                      {8, 7},
-                                      {15, 16},
-                                      {16, 8},
-                                      {17, 9},
-                                      {24, 8},
-                                      {33, 31},
-                                      {48, 3},
-                                      {65, 64}}) {
+  const std::pair<int, int> sizes[] = {{1, 1},   {2, 1},  {1, 9},   {7, 8},  {8, 7},
+                                       {15, 16}, {17, 9}, {33, 31}, {48, 3}, {65, 64}};
+  for (const auto& [width, height] : sizes) {
     for (const int channels : {1, 3, 4}) {
       SCOPED_TRACE(std::to_string(width) + " x " + std::to_string(height) + " x " +
                    std::to_string(channels));
@@ -101,14 +92,9 @@ TEST(JpegDecoding, QualityDecidesHowNearThePictureIs) {
       ASSERT_GT(error, 0.8 * last) << quality;
       last = error;
     }
-    const auto file_of = [&](int quality) {
-      MemoryStream stream;
-      EXPECT_EQ(Encode(stream, picture.data(), kWidth, kHeight, channels, quality),
-                output::CodingStatus::kOk);
-      return stream.bytes;
-    };
-    const Samples unscaled = file_of(0);
-    EXPECT_EQ(DecodeJpeg(unscaled).pixels, DecodeJpeg(file_of(50)).pixels);
+    // 0: the tables of the standard, which are those of 50.
+    EXPECT_EQ(ThereAndBack(picture, kWidth, kHeight, channels, 0).pixels,
+              ThereAndBack(picture, kWidth, kHeight, channels, 50).pixels);
   }
 }
 

@@ -73,11 +73,10 @@ TEST(MessageQueue, AQueueThatDoesNotExistSwallowsPostsAndRefusesTheRest) {
   ASSERT_TRUE(VexaHost_DestroyMessageQueue(gone));
   const HWND next = VexaHost_CreateMessageQueue();
   EXPECT_NE(next, gone);
-  int object = 0;
+  VexaHostMessage message{};
   for (void* const handle : {static_cast<void*>(gone), static_cast<void*>(nullptr),
-                             static_cast<void*>(&object), INVALID_HANDLE_VALUE}) {
+                             static_cast<void*>(&message), INVALID_HANDLE_VALUE}) {
     PostWindowMessage(handle, 1, 2, 3);
-    VexaHostMessage message{};
     SetLastError(0);
     EXPECT_FALSE(VexaHost_WaitMessage(static_cast<HWND>(handle), &message, INFINITE));
     EXPECT_EQ(GetLastError(), 1400u);
@@ -85,7 +84,6 @@ TEST(MessageQueue, AQueueThatDoesNotExistSwallowsPostsAndRefusesTheRest) {
     EXPECT_FALSE(VexaHost_DestroyMessageQueue(static_cast<HWND>(handle)));
     EXPECT_EQ(GetLastError(), 1400u);
   }
-  VexaHostMessage message{};
   EXPECT_FALSE(VexaHost_WaitMessage(next, &message, 0)) << "a post went astray";
   VexaHost_DestroyMessageQueue(next);
 }
