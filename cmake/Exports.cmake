@@ -4,6 +4,11 @@
 set(VEXA_EXPORTS_FILE ${CMAKE_CURRENT_LIST_DIR}/exports.txt)
 set(VEXA_WRITE_DEF_SCRIPT ${CMAKE_CURRENT_LIST_DIR}/WriteDef.cmake)
 
+if(WIN32)
+  # Makes import libraries in the form of Microsoft's linker.
+  find_program(VEXA_LLVM_DLLTOOL NAMES llvm-dlltool-14 llvm-dlltool REQUIRED)
+endif()
+
 # Restricts the exports of the shared library `target`, which is made of the object library
 # `objects`, to the list.
 function(vexa_restrict_exports target objects)
@@ -24,6 +29,19 @@ function(vexa_restrict_exports target objects)
       COMMENT "Writing ${target}.def"
       VERBATIM)
     target_sources(${target} PRIVATE ${def})
+    # Other compilers take this import library, or make their own from the names in the DLL.
+    set(machine i386:x86-64)
+    if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+      set(machine i386)
+    endif()
+    add_custom_command(TARGET ${target} POST_BUILD VERBATIM
+                       COMMAND ${VEXA_LLVM_DLLTOOL} --machine ${machine} --kill-at
+                               --input-def ${def}
+                               --output-lib $<TARGET_LINKER_FILE_DIR:${target}>/${target}.lib)
+    file(STRINGS ${VEXA_EXPORTS_FILE} names)
+    list(JOIN names "\n  " names)
+    file(CONFIGURE OUTPUT ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/${target}.def @ONLY
+         CONTENT "LIBRARY @target@.dll\nEXPORTS\n  @names@\n")
     if(CMAKE_SIZEOF_VOID_P EQUAL 4)
       # Exported without the decoration. The linker's import library would then lack it too, while
       # callers refer to the decorated symbols, so another one takes its place.

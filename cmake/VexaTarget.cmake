@@ -18,8 +18,9 @@ function(vexa_configure_target target)
       target_compile_options(${target} PRIVATE
                              $<$<COMPILE_LANGUAGE:C,CXX>:-mstackrealign -msse2 -mfpmath=sse>)
     endif()
-    # One file to hand over: the compiler's run-time libraries are inside.
-    target_link_options(${target} PRIVATE -static LINKER:--dynamicbase LINKER:--nxcompat)
+    # One file to hand over: the compiler's run-time libraries are inside, and no symbols.
+    target_link_options(${target} PRIVATE -static LINKER:--dynamicbase LINKER:--nxcompat
+                        $<$<CONFIG:Release>:-s>)
     if(CMAKE_SIZEOF_VOID_P EQUAL 8)
       target_link_options(${target} PRIVATE LINKER:--high-entropy-va)
     endif()

@@ -1,17 +1,16 @@
 #!/usr/bin/env python3
 """Runs the program `vexa` as a user would.
 
-usage: end_to_end.py PROGRAM SCRATCH [unittest arguments]
+usage: end_to_end.py PROGRAM [LAUNCHER ...]
 
 A Linux program is tested with the simulated cameras. A Windows program (.exe) is tested without
-cameras, on other systems in Wine, whose files go to the folder SCRATCH. Exit code 77: there is no
-Wine for the program here.
+cameras. LAUNCHER is the command line that PROGRAM is put behind where it does not run by itself.
+Exit code 77: the launcher cannot run it here, and says so with the same code.
 """
 import json
 import os
 import pathlib
 import re
-import shutil
 import signal
 import struct
 import subprocess
@@ -19,29 +18,10 @@ import sys
 import tempfile
 import unittest
 
-PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
-SCRATCH = pathlib.Path(sys.argv.pop(1)).resolve()
+PROGRAM = pathlib.Path(sys.argv[1]).resolve()
+LAUNCHER = sys.argv[2:]
 WINDOWS = PROGRAM.suffix == ".exe"
 WAIT = 120  # seconds; far beyond what anything here takes
-
-
-def find_wine():
-    """The command line that runs PROGRAM in Wine, or None. Wine comes as one program per word
-    size, and the 64-bit one cannot run 32-bit programs."""
-    data = PROGRAM.read_bytes()
-    machine = struct.unpack_from("<H", data, struct.unpack_from("<I", data, 0x3C)[0] + 4)[0]
-    names, folder = ((["wine64"], "/usr/lib/wine") if machine == 0x8664 else
-                     (["wine32", "wine"], "/usr/lib/i386-linux-gnu/wine"))
-    for name in names:
-        # The plain name may be the 64-bit Wine outside of the 32-bit one's folder.
-        wine = shutil.which(name, path=folder if name == "wine" else f"{folder}:{os.defpath}")
-        if wine:
-            runner = pathlib.Path(__file__).resolve().parent.parent / "run-in-wine.sh"
-            return ["sh", runner, wine, SCRATCH]
-    return None
-
-
-LAUNCHER = find_wine() if WINDOWS and os.name != "nt" else []
 
 
 def vexa(*arguments, folder=None):
@@ -447,7 +427,7 @@ class WithCameras(EndToEnd):
 if __name__ == "__main__":
     if not os.access(PROGRAM, os.X_OK):
         sys.exit(f"{PROGRAM} is no program")
-    if LAUNCHER is None:
-        print(f"{PROGRAM}: NOT TESTED, there is no Wine for it here", file=sys.stderr)
+    if LAUNCHER and vexa("--version").returncode == 77:
+        print(f"{PROGRAM}: NOT TESTED, nothing runs it here", file=sys.stderr)
         sys.exit(77)
-    unittest.main(verbosity=2)
+    unittest.main(argv=sys.argv[:1], verbosity=2)

@@ -1,0 +1,23 @@
+# The target `package`: one archive with everything that is handed over.
+if(WIN32)
+  set(CPACK_GENERATOR ZIP)
+  set(system windows-x64)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    set(system windows-x86)
+  endif()
+else()
+  set(CPACK_GENERATOR TGZ)
+  string(TOLOWER ${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR} system)
+endif()
+set(CPACK_PACKAGE_VENDOR Vexa)
+set(CPACK_PACKAGE_FILE_NAME VexaAPI-${PROJECT_VERSION}-${system})
+set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/package)
+set(CPACK_VERBATIM_VARIABLES ON)
+# The files of the build, which are those that the tests have tested.
+set(CPACK_STRIP_FILES OFF)
+# Built examples belong to the archive, but not to an installation.
+set(CPACK_INSTALL_CMAKE_PROJECTS ${PROJECT_BINARY_DIR} VexaAPI ALL /)
+if(VEXA_BUILD_EXAMPLES)
+  list(APPEND CPACK_INSTALL_CMAKE_PROJECTS ${PROJECT_BINARY_DIR} VexaAPI examples /)
+endif()
+include(CPack)
