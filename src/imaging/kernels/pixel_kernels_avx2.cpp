@@ -1,7 +1,7 @@
 // 32 pixels at a time, in two lanes.
 #include "imaging/kernels/pixel_kernels.hpp"
 
-#if defined(VEXA_AVX2_PIXEL_KERNELS)
+#if defined(VEXA_AVX2_KERNELS)
 #include <immintrin.h>
 #pragma GCC target("avx2")
 #include "imaging/kernels/vector_pixels.hpp"
