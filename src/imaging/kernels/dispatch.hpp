@@ -5,12 +5,7 @@
 #include <span>
 
 #include "imaging/kernels/row_kernels.hpp"
-
-// 64-bit Windows keeps the stack aligned to 16 bytes only, and GCC spills 32-byte vectors there as
-// if it were aligned to 32; that build goes without them.
-#if defined(__i386__) || (defined(__x86_64__) && defined(__ELF__))
-#define VEXA_AVX2_ROW_KERNELS
-#endif
+#include "platform/instruction_sets.hpp"
 
 namespace vexa::imaging {
 
@@ -25,7 +20,7 @@ extern const RowKernels kSse2RowKernels;
 extern const RowKernels kSsse3RowKernels;
 #endif
 
-#if defined(VEXA_AVX2_ROW_KERNELS)
+#if defined(VEXA_AVX2_KERNELS)
 /// Only for processors with AVX2.
 extern const RowKernels kAvx2RowKernels;
 #endif

@@ -8,6 +8,7 @@
 #include <span>
 
 #include "imaging/kernels/row_kernels.hpp"
+#include "platform/instruction_sets.hpp"
 
 namespace vexa::imaging {
 
@@ -83,9 +84,7 @@ extern const FrameKernels kSse2FrameKernels;
 extern const FrameKernels kSse41FrameKernels;
 #endif
 
-// For the reason why a build goes without these see dispatch.hpp.
-#if defined(__i386__) || (defined(__x86_64__) && defined(__ELF__))
-#define VEXA_AVX2_FRAME_KERNELS
+#if defined(VEXA_AVX2_KERNELS)
 /// Only for processors with AVX2.
 extern const FrameKernels kAvx2FrameKernels;
 #endif

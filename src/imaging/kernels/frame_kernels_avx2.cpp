@@ -1,7 +1,7 @@
 // 32 samples at a time.
 #include "imaging/kernels/frame_kernels.hpp"
 
-#if defined(VEXA_AVX2_FRAME_KERNELS)
+#if defined(VEXA_AVX2_KERNELS)
 #include <immintrin.h>
 #pragma GCC target("avx2")
 #include "imaging/kernels/vector_frames.hpp"

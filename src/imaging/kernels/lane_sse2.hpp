@@ -24,6 +24,10 @@ struct Lane {
   static void StoreLanes(std::uint8_t* p, std::size_t, Bytes v) {
     _mm_storeu_si128((__m128i*)p, (__m128i)v);
   }
+  static void UpdatePairs(std::uint8_t* p, std::size_t, Bytes first, Bytes second, Bytes kept) {
+    StoreLanes(p, 0, first | (LoadLanes(p, 0) & kept));
+    StoreLanes(p + kWidth, 0, second | (LoadLanes(p + kWidth, 0) & kept));
+  }
   static Bytes UnpackLow(Bytes a, Bytes b) {
     return (Bytes)_mm_unpacklo_epi8((__m128i)a, (__m128i)b);
   }

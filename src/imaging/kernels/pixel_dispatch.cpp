@@ -1,42 +1,27 @@
 #include "imaging/kernels/pixel_dispatch.hpp"
 
-#include <array>
+#include "platform/kernel_versions.hpp"
 
 namespace vexa::imaging {
 namespace {
 
-/// What this processor can run, found out once.
-class UsableVersions {
- public:
-  UsableVersions() {
-    Add(kReferencePixelKernels);
+using platform::InstructionSet;
+
+constexpr platform::KernelVersion<PixelKernels> kVersions[] = {
+    {&kReferencePixelKernels, InstructionSet::kBaseline},
 #if defined(__SSE2__)
-    __builtin_cpu_init();
-    Add(kSse2PixelKernels);
-    if (__builtin_cpu_supports("ssse3")) {
-      Add(kSsse3PixelKernels);
-    }
+    {&kSse2PixelKernels, InstructionSet::kBaseline},
+    {&kSsse3PixelKernels, InstructionSet::kSsse3},
 #endif
-#if defined(VEXA_AVX2_PIXEL_KERNELS)
-    if (__builtin_cpu_supports("avx2")) {
-      Add(kAvx2PixelKernels);
-    }
+#if defined(VEXA_AVX2_KERNELS)
+    {&kAvx2PixelKernels, InstructionSet::kAvx2},
 #endif
-  }
-
-  std::span<const PixelKernels* const> All() const { return std::span(versions_).first(count_); }
-
- private:
-  void Add(const PixelKernels& version) { versions_[count_++] = &version; }
-
-  std::array<const PixelKernels*, 4> versions_{};
-  std::size_t count_ = 0;
 };
 
 }  // namespace
 
 std::span<const PixelKernels* const> UsablePixelKernels() {
-  static const UsableVersions versions;
+  static const platform::UsableVersions versions(kVersions);
   return versions.All();
 }
 

@@ -7,12 +7,7 @@
 #include <cstdint>
 
 #include "imaging/kernels/color_mix.hpp"
-
-// 64-bit Windows keeps the stack aligned to 16 bytes only, and GCC spills 32-byte vectors there as
-// if it were aligned to 32; that build goes without them.
-#if defined(__i386__) || (defined(__x86_64__) && defined(__ELF__))
-#define VEXA_AVX2_PIXEL_KERNELS
-#endif
+#include "platform/instruction_sets.hpp"
 
 namespace vexa::imaging {
 
@@ -75,7 +70,7 @@ extern const PixelKernels kSse2PixelKernels;
 extern const PixelKernels kSsse3PixelKernels;
 #endif
 
-#if defined(VEXA_AVX2_PIXEL_KERNELS)
+#if defined(VEXA_AVX2_KERNELS)
 /// Only for processors with AVX2.
 extern const PixelKernels kAvx2PixelKernels;
 #endif

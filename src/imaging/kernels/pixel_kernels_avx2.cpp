@@ -1,7 +1,7 @@
 // 32 pixels at a time, in two lanes.
 #include "imaging/kernels/pixel_kernels.hpp"
 
-#if defined(VEXA_AVX2_PIXEL_KERNELS)
+#if defined(VEXA_AVX2_KERNELS)
 #include <immintrin.h>
 #pragma GCC target("avx2")
 #include "imaging/kernels/vector_pixels.hpp"
@@ -32,6 +32,15 @@ struct Avx2 {
     }
     _mm_storeu_si128((__m128i*)p, _mm256_castsi256_si128((__m256i)v));
     _mm_storeu_si128((__m128i*)(p + step), _mm256_extracti128_si256((__m256i)v, 1));
+  }
+  static void UpdatePairs(std::uint8_t* p, std::size_t step, Bytes first, Bytes second,
+                          Bytes kept) {
+    const auto update = [kept](std::uint8_t* at, __m256i v) {
+      const __m256i old = _mm256_loadu_si256((const __m256i*)at);
+      _mm256_storeu_si256((__m256i*)at, _mm256_or_si256(v, _mm256_and_si256(old, (__m256i)kept)));
+    };
+    update(p, _mm256_permute2x128_si256((__m256i)first, (__m256i)second, 0x20));
+    update(p + step, _mm256_permute2x128_si256((__m256i)first, (__m256i)second, 0x31));
   }
   static Bytes UnpackLow(Bytes a, Bytes b) {
     return (Bytes)_mm256_unpacklo_epi8((__m256i)a, (__m256i)b);

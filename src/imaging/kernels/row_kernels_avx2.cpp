@@ -1,7 +1,7 @@
 // 32 pixels at a time.
 #include "imaging/kernels/dispatch.hpp"
 
-#if defined(VEXA_AVX2_ROW_KERNELS)
+#if defined(VEXA_AVX2_KERNELS)
 #include <immintrin.h>
 #pragma GCC target("avx2")
 #include "imaging/kernels/vector_rows.hpp"

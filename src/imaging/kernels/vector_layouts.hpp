@@ -21,6 +21,8 @@ namespace vexa::imaging {
 /// (unsigned, 8 and 16 bits) and Shorts (signed, 16 bits), and these functions, each like the SSE
 /// instruction in its lanes:
 ///   LoadLanes, StoreLanes     16 bytes for each lane, from places a given step apart
+///   UpdatePairs               stores two vectors, lane for lane beside each other (32 bytes at
+///                             places a given step apart), and keeps bits of a mask as they are
 ///   UnpackLow, UnpackHigh     bytes of the lower or upper half of each lane in turn
 ///   UnpackLow16, UnpackHigh16 the same with pairs of bytes
 ///   Pack                      signed words to bytes, saturating
@@ -135,14 +137,14 @@ struct VectorLayouts {
     const Bytes bg_high = V::UnpackHigh(planes.blue, planes.green);
     const Bytes r_low = V::UnpackLow(planes.red, Bytes{});
     const Bytes r_high = V::UnpackHigh(planes.red, Bytes{});
-    const auto put = [p](std::size_t at, Bytes pixels) {
-      const Ints old = (Ints)V::LoadLanes(p + at, 4 * kLane);
-      V::StoreLanes(p + at, 4 * kLane, (Bytes)((old & (Ints{} + (0xFF << 24))) | (Ints)pixels));
-    };
-    put(0, V::UnpackLow16(bg_low, r_low));
-    put(16, V::UnpackHigh16(bg_low, r_low));
-    put(32, V::UnpackLow16(bg_high, r_high));
-    put(48, V::UnpackHigh16(bg_high, r_high));
+    PutQuads(p, V::UnpackLow16(bg_low, r_low), V::UnpackHigh16(bg_low, r_low));
+    PutQuads(p + 32, V::UnpackLow16(bg_high, r_high), V::UnpackHigh16(bg_high, r_high));
+  }
+
+  /// Pixels of 32 bits whose fourth bytes are 0 and stay in memory: four in each lane of each
+  /// vector, those of the second vector after those of the first.
+  static void PutQuads(std::uint8_t* p, Bytes first, Bytes second) {
+    V::UpdatePairs(p, 4 * kLane, first, second, (Bytes)(Ints{} + (0xFF << 24)));
   }
 
   /// The colours of luminance and colour differences. Multiplying a difference by 4 leaves 14 bits
@@ -167,15 +169,58 @@ struct VectorLayouts {
             V::Pack(low.red, high.red), y};
   }
 
-  /// Luminance in the odd bytes; in the even ones U and V in turn, each for two pixels.
-  static Planes LoadYuv422(const std::uint8_t* p) {
+  /// Luminance, in the odd bytes.
+  static Bytes LumaOfYuv422(const std::uint8_t* p) {
     const Words a = (Words)V::LoadLanes(p, 2 * kLane);
     const Words b = (Words)V::LoadLanes(p + 16, 2 * kLane);
-    const Bytes y = V::Pack((Shorts)(a >> 8), (Shorts)(b >> 8));
-    const Words uv = (Words)V::Pack((Shorts)(a & 0xFF), (Shorts)(b & 0xFF));
-    const Bytes u = (Bytes)((uv & 0x00FF) | (uv << 8));
-    const Bytes v = (Bytes)((uv & 0xFF00) | (uv >> 8));
-    return {y, u, v, y};
+    return V::Pack((Shorts)(a >> 8), (Shorts)(b >> 8));
+  }
+
+  /// The colours of 4:2:2: what U and V add is found once for the two pixels that share them. As in
+  /// FromYuv, in vectors of U and V in turn.
+  static Planes ColorsOfYuv422(const std::uint8_t* p) {
+    struct Colors {
+      Shorts blue, green, red;
+    };
+    const auto convert = [](Words yuv) -> Colors {
+      const Shorts luma = (Shorts)(yuv >> 8);
+      const Shorts c = (Shorts)(yuv & 0xFF) - 128;
+      const Shorts own = V::MulHigh(c << 2, WordsInTurn(29029, 22970)) - (Shorts)(c < 0);
+      const Shorts green = V::MulHigh(c << 2, WordsInTurn(-5639, -11699)) - (Shorts)(c > 0);
+      return {luma + FirstTwice(own), luma + FirstTwice(green) + SecondTwice(green),
+              luma + SecondTwice(own)};
+    };
+    const Words a = (Words)V::LoadLanes(p, 2 * kLane);
+    const Words b = (Words)V::LoadLanes(p + 16, 2 * kLane);
+    const Colors low = convert(a);
+    const Colors high = convert(b);
+    const Bytes green = V::Pack(low.green, high.green);
+    return {V::Pack(low.blue, high.blue), green, V::Pack(low.red, high.red), green};
+  }
+
+  static Shorts WordsInTurn(int first, int second) {
+    return (Shorts)(Ints{} + (int)((unsigned)second << 16 | ((unsigned)first & 0xFFFF)));
+  }
+
+  /// The first or second of each pair of words in both places.
+  static Shorts FirstTwice(Shorts v) {
+    if constexpr (V::kShuffles) {
+      static constexpr std::uint8_t kOrder[16] = {0, 1, 0, 1, 4,  5,  4,  5,
+                                                  8, 9, 8, 9, 12, 13, 12, 13};
+      return (Shorts)V::Shuffle((Bytes)v, V::Order(kOrder));
+    } else {
+      return (Shorts)(((Ints)v & 0xFFFF) | ((Ints)v << 16));
+    }
+  }
+  static Shorts SecondTwice(Shorts v) {
+    if constexpr (V::kShuffles) {
+      static constexpr std::uint8_t kOrder[16] = {2,  3,  2,  3,  6,  7,  6,  7,
+                                                  10, 11, 10, 11, 14, 15, 14, 15};
+      return (Shorts)V::Shuffle((Bytes)v, V::Order(kOrder));
+    } else {
+      const Words second = (Words)v & (Words)(Ints{} + (int)0xFFFF0000U);
+      return (Shorts)(second | (Words)(((Ints)v >> 16) & 0xFFFF));
+    }
   }
 
   /// Groups of six bytes, U Y Y V Y Y, of which 24 bytes per lane hold four.
@@ -200,8 +245,8 @@ struct VectorLayouts {
   }
 
   // Layouts: the bytes of kStep pixels, and how planes come from and go to them. Load gives the
-  // planes as they are stored, those of YUV in the places of blue, green and red; Colors makes
-  // colours of them.
+  // planes as they are stored, those of YUV in the places of blue, green and red; LoadColors gives
+  // colours.
 
   struct Grey8 {
     static constexpr std::size_t kBytes = kStep;
@@ -209,7 +254,7 @@ struct VectorLayouts {
       const Bytes v = V::LoadLanes(p, kLane);
       return {v, v, v, v};
     }
-    static Planes Colors(const Planes& planes) { return planes; }
+    static Planes LoadColors(const std::uint8_t* p) { return Load(p); }
     static void Store(std::uint8_t* p, const Planes& planes) {
       V::StoreLanes(p, kLane, planes.grey);
     }
@@ -217,7 +262,7 @@ struct VectorLayouts {
   struct Bgr24 {
     static constexpr std::size_t kBytes = 3 * kStep;
     static Planes Load(const std::uint8_t* p) { return LoadTriples(p); }
-    static Planes Colors(const Planes& planes) { return planes; }
+    static Planes LoadColors(const std::uint8_t* p) { return Load(p); }
     static void Store(std::uint8_t* p, const Planes& planes) { StoreTriples(p, planes); }
   };
   struct Bgr32 {
@@ -228,23 +273,31 @@ struct VectorLayouts {
   struct Bgr30 {
     static constexpr std::size_t kBytes = 4 * kStep;
     static Planes Load(const std::uint8_t* p) { return LoadQuads<2, 12, 22>(p); }
-    static Planes Colors(const Planes& planes) { return planes; }
+    static Planes LoadColors(const std::uint8_t* p) { return Load(p); }
   };
   struct Yuv411 {
     static constexpr std::size_t kBytes = kStep * 3 / 2;
     static Planes Load(const std::uint8_t* p) { return LoadYuv411(p); }
-    static Planes Colors(const Planes& yuv) { return FromYuv(yuv.blue, yuv.green, yuv.red); }
+    static Planes LoadColors(const std::uint8_t* p) {
+      const Planes yuv = Load(p);
+      return FromYuv(yuv.blue, yuv.green, yuv.red);
+    }
   };
   struct Yuv422 {
     static constexpr std::size_t kBytes = kStep * 2;
-    static Planes Load(const std::uint8_t* p) { return LoadYuv422(p); }
-    static Planes Colors(const Planes& yuv) { return FromYuv(yuv.blue, yuv.green, yuv.red); }
+    static Planes Load(const std::uint8_t* p) {
+      return {Bytes{}, Bytes{}, Bytes{}, LumaOfYuv422(p)};
+    }
+    static Planes LoadColors(const std::uint8_t* p) { return ColorsOfYuv422(p); }
   };
   /// U, Y, V: the luminance comes second.
   struct Yuv444 {
     static constexpr std::size_t kBytes = kStep * 3;
     static Planes Load(const std::uint8_t* p) { return LoadTriples(p); }
-    static Planes Colors(const Planes& uyv) { return FromYuv(uyv.green, uyv.blue, uyv.red); }
+    static Planes LoadColors(const std::uint8_t* p) {
+      const Planes uyv = Load(p);
+      return FromYuv(uyv.green, uyv.blue, uyv.red);
+    }
   };
 };
 

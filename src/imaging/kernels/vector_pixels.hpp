@@ -43,8 +43,7 @@ struct VectorPixels {
     constexpr bool kPossible = V::kShuffles || kFrom != kFromYuv411;
     for (; kPossible && n >= kStep; n -= kStep) {
       if constexpr (kPossible) {
-        const Planes planes = Source::Load(source);
-        Target::Store(target, kTo == kToGrey8 ? planes : Source::Colors(planes));
+        Target::Store(target, kTo == kToGrey8 ? Source::Load(source) : Source::LoadColors(source));
       }
       source += Source::kBytes;
       target += Target::kBytes;
@@ -67,6 +66,26 @@ struct VectorPixels {
       }
     }
     Convert<Grey8, Bgr24, kFromGrey8, kToBgr24>(source, target, n);
+  }
+
+  /// Every byte three times and one that stays.
+  static void GreyToBgr32(const std::uint8_t* source, std::uint8_t* target, std::size_t n) {
+    if constexpr (V::kShuffles) {
+      constexpr std::uint8_t kNo = 0x80;
+      static constexpr std::uint8_t kOrders[4][16] = {
+          {0, 0, 0, kNo, 1, 1, 1, kNo, 2, 2, 2, kNo, 3, 3, 3, kNo},
+          {4, 4, 4, kNo, 5, 5, 5, kNo, 6, 6, 6, kNo, 7, 7, 7, kNo},
+          {8, 8, 8, kNo, 9, 9, 9, kNo, 10, 10, 10, kNo, 11, 11, 11, kNo},
+          {12, 12, 12, kNo, 13, 13, 13, kNo, 14, 14, 14, kNo, 15, 15, 15, kNo}};
+      for (; n >= kStep; n -= kStep, source += kStep, target += 4 * kStep) {
+        const Bytes v = V::LoadLanes(source, kLane);
+        Layouts::PutQuads(target, V::Shuffle(v, V::Order(kOrders[0])),
+                          V::Shuffle(v, V::Order(kOrders[1])));
+        Layouts::PutQuads(target + 32, V::Shuffle(v, V::Order(kOrders[2])),
+                          V::Shuffle(v, V::Order(kOrders[3])));
+      }
+    }
+    Convert<Grey8, Bgr32, kFromGrey8, kToBgr32>(source, target, n);
   }
 
   static void Narrow(const std::uint8_t* words, unsigned shift, std::uint8_t* target,
@@ -220,8 +239,7 @@ struct VectorPixels {
   static constexpr PixelKernels Kernels(const char* name) {
     return {
         .name = name,
-        .convert = {{Plain<kFromGrey8, kToGrey8>, GreyToBgr24,
-                     Convert<Grey8, Bgr32, kFromGrey8, kToBgr32>},
+        .convert = {{Plain<kFromGrey8, kToGrey8>, GreyToBgr24, GreyToBgr32},
                     {Convert<Bgr24, Grey8, kFromBgr24, kToGrey8>, Plain<kFromBgr24, kToBgr24>,
                      Convert<Bgr24, Bgr32, kFromBgr24, kToBgr32>},
                     {Convert<Bgr30, Grey8, kFromBgr30, kToGrey8>,

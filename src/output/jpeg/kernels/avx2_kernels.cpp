@@ -1,7 +1,7 @@
 // 32 bytes at a time.
 #include "output/jpeg/kernels/dispatch.hpp"
 
-#if defined(VEXA_AVX2_JPEG_KERNELS)
+#if defined(VEXA_AVX2_KERNELS)
 #include <immintrin.h>
 
 #include <algorithm>

@@ -5,12 +5,7 @@
 #include <span>
 
 #include "output/jpeg/kernels/jpeg_kernels.hpp"
-
-// 64-bit Windows keeps the stack aligned to 16 bytes only, and GCC spills 32-byte vectors there as
-// if it were aligned to 32; that build goes without them.
-#if defined(__i386__) || (defined(__x86_64__) && defined(__ELF__))
-#define VEXA_AVX2_JPEG_KERNELS
-#endif
+#include "platform/instruction_sets.hpp"
 
 namespace vexa::output {
 
@@ -22,7 +17,7 @@ extern const JpegKernels kReferenceJpegKernels;
 extern const JpegKernels kSse2JpegKernels;
 #endif
 
-#if defined(VEXA_AVX2_JPEG_KERNELS)
+#if defined(VEXA_AVX2_KERNELS)
 /// Only for processors with AVX2, BMI1, BMI2 and LZCNT.
 extern const JpegKernels kAvx2JpegKernels;
 #endif
