@@ -38,8 +38,7 @@ void CheckFrameFile(const std::string& file, const FileFormat& format, const cha
 std::vector<BYTE> ReadFrameFile(const std::string& file, const FileFormat& format,
                                 const char* advice) {
   CheckFrameFile(file, format, advice);
-  std::vector<BYTE> bytes(
-      static_cast<std::size_t>(ImageBytes(format.width, format.height, format.format)));
+  std::vector<BYTE> bytes(ImageMemory(format.width, format.height, format.format));
   std::ifstream stream(PathFromUtf8(file), std::ios::binary);
   if (!stream.read(reinterpret_cast<char*>(bytes.data()),
                    static_cast<std::streamsize>(bytes.size()))) {

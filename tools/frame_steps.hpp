@@ -12,16 +12,9 @@
 #include "options.hpp"
 #include "output_pattern.hpp"
 #include "save_plan.hpp"
+#include "step_checks.hpp"
 
 namespace vexa::tool {
-
-/** What is known about the frames that will come. */
-struct FrameKind {
-  std::uint32_t width = 0;
-  std::uint32_t height = 0;
-  std::uint32_t format = 0; /**< VEXA_TRANSFER_ code. */
-  std::uint16_t color_array = 0;
-};
 
 /** A frame on its way through the steps, and what has been found out about it. */
 struct FrameInWork {
@@ -29,9 +22,6 @@ struct FrameInWork {
   bool color = false; /**< as this says. */
   std::optional<Gains> gains;
 };
-
-/** Whether these steps need an open camera, which keeps their settings. */
-bool NeedCamera(const StepOptions& options);
 
 /** The steps, ready to be taken. */
 class FrameSteps {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "errors.hpp"
+#include "names.hpp"
 #include "output_pattern.hpp"
 #include "text.hpp"
 
@@ -54,8 +55,7 @@ void SaveBytes(const StoredFrame& frame, const std::filesystem::path& path) {
 
 void SaveInterpolated(const StoredFrame& frame, std::uint8_t method,
                       const std::filesystem::path& path, std::vector<BYTE>& color) {
-  constexpr std::size_t kBytesPerPixel = 3;
-  color.resize(frame.size * kBytesPerPixel);
+  color.resize(ImageMemory(frame.description.width, frame.description.height, VEXA_TRANSFER_BGR24));
   if (Vexa_ColorInterpolation(frame.description.width, frame.description.height,
                               frame.description.color_array, frame.pixels.data(), color.data(),
                               method, VEXA_OUTPUT_BGR24) == 0) {

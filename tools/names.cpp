@@ -1,6 +1,8 @@
 #include "names.hpp"
 
 #include <charconv>
+#include <limits>
+#include <new>
 
 #include "text.hpp"
 
@@ -101,6 +103,14 @@ std::uint64_t ImageBytes(std::uint32_t width, std::uint32_t height, std::uint32_
   const TransferFormat* layout = FindTransferFormat(format);
   const std::uint64_t half_bytes = layout != nullptr ? layout->half_bytes_per_px : 2;
   return std::uint64_t{width} * height * half_bytes / 2;
+}
+
+std::size_t ImageMemory(std::uint32_t width, std::uint32_t height, std::uint32_t format) {
+  const std::uint64_t bytes = ImageBytes(width, height, format);
+  if (bytes > std::numeric_limits<std::size_t>::max()) {
+    throw std::bad_alloc();
+  }
+  return static_cast<std::size_t>(bytes);
 }
 
 bool IsEightBit(std::uint32_t format) {

@@ -3,6 +3,7 @@
 
 #include <VexaAPI.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -39,6 +40,9 @@ std::string TransferFormatNames(std::uint32_t mask);
 
 /** Bytes of one image in a transfer format (1 byte per pixel for a code that is not known). */
 std::uint64_t ImageBytes(std::uint32_t width, std::uint32_t height, std::uint32_t format);
+
+/** The same as an amount of memory. @throws std::bad_alloc for more than a process can address. */
+std::size_t ImageMemory(std::uint32_t width, std::uint32_t height, std::uint32_t format);
 
 /** Whether a format has one byte per pixel, as Vexa_ColorInterpolation() takes it. */
 bool IsEightBit(std::uint32_t format);

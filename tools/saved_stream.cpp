@@ -62,8 +62,8 @@ std::size_t BufferCount(std::uint64_t frame_bytes, std::uint32_t frames) {
 SavedStream SaveStream(const Camera& camera, const FrameSettings& settings,
                        const StreamOptions& options, std::uint32_t frames, ImageWriter::Save save) {
   const double timeout_s = FrameTimeout(options, settings);
-  const auto frame_bytes = static_cast<std::size_t>(
-      ImageBytes(settings.region.width, settings.region.height, settings.format));
+  const std::size_t frame_bytes =
+      ImageMemory(settings.region.width, settings.region.height, settings.format);
   FramePool pool(BufferCount(frame_bytes, frames), frame_bytes);
   ImageWriter writer(pool, std::move(save));
   FrameCollector collector(pool, frame_bytes, frames);
