@@ -51,7 +51,10 @@ TEST_F(TwinFaults, ReadsFailOrAreRefusedAsOftenAsOrdered) {
 TEST_F(TwinFaults, ChosenRequestsFailOrTakeTheirTime) {
   rig_.camera->FailControl({.request = 0x21, .device_to_host = false}, 121, 1);
   rig_.camera->FailControl({.request = 0x80, .value = 0x50, .index = 0}, 31, 1);
+  rig_.camera->FailControl({.code = ControlCode::kDriverVersion}, 5, kForever);
   Bytes block = rig_.Block(0x21, 64);
+  Bytes words(16);
+  EXPECT_EQ(rig_.Control(ControlCode::kDriverVersion, &words).code(), 5u);
   EXPECT_EQ(rig_.Out(0x21, 0, 0, block).code(), 121u);
   EXPECT_EQ(rig_.Out(0x80, 0x51, 0, {1, 0}).code(), 0u);
   EXPECT_EQ(rig_.Out(0x80, 0x50, 0, {1, 0}).code(), 31u);

@@ -123,6 +123,7 @@ TEST(TwinRegisters, TwoFormsReachTheMainBlock) {
   EXPECT_FALSE(rig.Out(0x80, 127, 0, {1, 2, 3, 4}).ok());  // beyond the block
   EXPECT_FALSE(rig.Out(0x80, 1, 17, {1, 2}).ok());         // no such block
   EXPECT_FALSE(rig.Out(0x80, 1, 0, {1}).ok());             // half a register
+  EXPECT_FALSE(rig.Out(0x80, 0x8066, 0, {1, 2}).ok());     // read only
   EXPECT_FALSE(rig.Out(0x80, 0x8068, 0, {1, 2}).ok());     // read only
   EXPECT_FALSE(rig.Out(0x80, 0x8021, 0, {1, 2}).ok());     // no direct form
   EXPECT_FALSE(rig.In(0x80, 0x21, 0, 2, &data).ok());      // no direct form

@@ -43,6 +43,13 @@ TEST(TwinStream, RealTimePaceFollowsTheClock) {
   for (int i = 0; i < 10; ++i) rig.Frame();
   const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
   EXPECT_GE(elapsed.count(), 9.99 / expected);
+  rig.Stop();
+  // In scan mode 4 an exposure of three frames makes frames three times as long.
+  ASSERT_TRUE(rig.SetScan(1280, 480, 0, 0, 4).ok());
+  rig.SetLines(LoadLe16(scan, 26) * 3u);
+  Bytes slow;
+  ASSERT_TRUE(rig.In(0x80, 0x80 | 86, 0, 4, &slow).ok());
+  EXPECT_NEAR(LoadLe32(slow, 0) * 3.0, LoadLe32(rate, 0), 3.0);
 }
 
 TEST(TwinStream, StopAndCancelEndPendingReads) {
