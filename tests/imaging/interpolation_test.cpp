@@ -8,6 +8,7 @@
 #include <optional>
 #include <vector>
 
+#include "imaging/color_array.hpp"
 #include "imaging/demosaic.hpp"
 #include "imaging/frames.hpp"
 #include "imaging/kernels/weight_tables.hpp"
@@ -274,6 +275,14 @@ TEST(Interpolation, RefusesWhatItCannotDoAndTouchesNothing) {
   EXPECT_TRUE(with([](R r) { r.color_array = 1, r.method = 200; }).ok());
   EXPECT_EQ(image[3 * 64 - 1], 9);
   EXPECT_TRUE(with([](R r) { r.color_array = 99, r.method = 99, r.output_format = 1; }).ok());
+}
+
+TEST(Interpolation, OnlyMirroringExchangesThePatternsOfKnownArrays) {
+  for (const std::uint16_t code : std::to_array<std::uint16_t>({0, 1, 6, 0xFFFF})) {
+    EXPECT_EQ(EffectiveColorArray(code, 0x30), code);
+  }
+  EXPECT_EQ(EffectiveColorArray(3, 0x30), 4);
+  EXPECT_EQ(EffectiveColorArray(3, 0x31), 3);
 }
 
 #if defined(__ELF__)

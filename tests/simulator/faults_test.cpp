@@ -48,23 +48,13 @@ TEST_F(TwinFaults, ReadsFailOrAreRefusedAsOftenAsOrdered) {
   EXPECT_EQ(rig_.Frame().size(), kFrame);
 }
 
-TEST_F(TwinFaults, FramesComeShortLongOrNotAtAll) {
-  rig_.Start();
-  rig_.camera->LengthenFrames(700, 2);
-  EXPECT_EQ(rig_.Frame().size(), kFrame + 700);
-  EXPECT_EQ(rig_.Frame().size(), kFrame + 700);
-  rig_.camera->ShortenFrames(1 << 20, 1);
-  EXPECT_EQ(rig_.Frame().size(), 0u);
-  const std::uint32_t before = TwinRig::Number(rig_.Frame());
-  rig_.camera->DropFrames(5);
-  EXPECT_EQ(TwinRig::Number(rig_.Frame()), before + 6);
-  EXPECT_EQ(rig_.camera->frames_dropped(), 5u);
-}
-
 TEST_F(TwinFaults, ChosenRequestsFailOrTakeTheirTime) {
   rig_.camera->FailControl({.request = 0x21, .device_to_host = false}, 121, 1);
   rig_.camera->FailControl({.request = 0x80, .value = 0x50, .index = 0}, 31, 1);
+  rig_.camera->FailControl({.code = ControlCode::kDriverVersion}, 5, kForever);
   Bytes block = rig_.Block(0x21, 64);
+  Bytes words(16);
+  EXPECT_EQ(rig_.Control(ControlCode::kDriverVersion, &words).code(), 5u);
   EXPECT_EQ(rig_.Out(0x21, 0, 0, block).code(), 121u);
   EXPECT_EQ(rig_.Out(0x80, 0x51, 0, {1, 0}).code(), 0u);
   EXPECT_EQ(rig_.Out(0x80, 0x50, 0, {1, 0}).code(), 31u);

@@ -1,31 +1,9 @@
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include "simulator/twin_rig.hpp"
 
 namespace vexa::simulator {
 namespace {
-
-using ::testing::ElementsAre;
-
-TEST(TwinIdentity, InformationBlockAndCapabilitiesTellTheConfiguration) {
-  CameraConfig config = PlainCamera(0x0910);
-  config.max_width = 0;
-  config.max_height = 1024;
-  config.capabilities = 0x8000'0001'0002'0003;
-  TwinRig rig(config);
-  const Bytes block = rig.Block(0x11, 64);
-  EXPECT_EQ(LoadLe16(block, 4), 0x0910);
-  EXPECT_EQ(LoadLe16(block, 10), 1);
-  EXPECT_EQ(LoadLe32(block, 40), config.clock_modes);
-  EXPECT_EQ(LoadLe32(block, 56), 0u);
-  EXPECT_EQ(LoadLe32(block, 60), 1024u);
-  // The sensor behind an open maximum is the model's.
-  EXPECT_EQ(LoadLe32(rig.Block(0x12, 64), 6), 1600u);
-
-  Bytes mask;
-  ASSERT_TRUE(rig.In(0x80, 0x68, 0, 8, &mask).ok());
-  EXPECT_THAT(mask, ElementsAre(3, 0, 2, 0, 1, 0, 0, 0x80));
-}
 
 TEST(TwinIdentity, EveryModelStreamsAFrameOfItsSize) {
   EXPECT_EQ(KnownProducts().size(), 28u);

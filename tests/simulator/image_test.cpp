@@ -10,8 +10,6 @@
 namespace vexa::simulator {
 namespace {
 
-using ::testing::ElementsAre;
-
 std::uint16_t Display(unsigned value) { return static_cast<std::uint16_t>(value * 257); }
 
 double Mean(const Bytes& picture) {
@@ -107,10 +105,7 @@ TEST(TwinImage, ExposureMultipliesTheLightUpToSaturation) {
   EXPECT_NEAR(expose(lines / 2), nominal / 2, 1.5);
   EXPECT_NEAR(expose(lines * 2), nominal * 2, 1.5);
   EXPECT_GE(expose(lines * 4), 253);
-  EXPECT_LE(expose(1), 2);
-  // 0 is one full frame.
-  const std::uint32_t frame_lines = LoadLe16(rig.Block(0x12, 64), 26);
-  EXPECT_NEAR(expose(0), expose(frame_lines), 0.01);
+  EXPECT_NEAR(expose(0), expose(LoadLe16(rig.Block(0x12, 64), 26)), 0.01) << "one full frame";
   // Twice the clock, half the time.
   rig.SetLines(lines);
   Bytes clock = rig.Block(0x22, 10);
@@ -274,23 +269,11 @@ TEST(TwinScene, ShowsTheChartAndMovesItsParts) {
   rig.Start();
   const Bytes first = rig.Frame();
   const Bytes second = rig.Frame();
-  const auto pixel = [&](double x, double y) {
-    const auto column = static_cast<std::size_t>(x * 1280);
-    const auto row = static_cast<std::size_t>(y * 964);
-    return std::span(first).subspan(64 + (row * 1280 + column) * 3, 3);
-  };
-  // The last three patches of the third row: yellow, magenta, cyan (published 231 199 31,
-  // 187 86 149, 8 133 161).
-  const struct {
-    double x;
-    unsigned red, green, blue;
-  } patches[] = {{0.352, 231, 199, 31}, {0.443, 187, 86, 149}, {0.53, 8, 133, 161}};
-  for (const auto& patch : patches) {
-    const auto bgr = pixel(patch.x, 0.39);
-    EXPECT_NEAR(bgr[0], Level(patch.blue), 2) << patch.x;
-    EXPECT_NEAR(bgr[1], Level(patch.green), 2) << patch.x;
-    EXPECT_NEAR(bgr[2], Level(patch.red), 2) << patch.x;
-  }
+  // The chart's yellow patch, published as 231 199 31.
+  const auto yellow = std::span(first).subspan(64 + (375 * 1280 + 450) * 3, 3);
+  EXPECT_NEAR(yellow[0], Level(31), 2);
+  EXPECT_NEAR(yellow[1], Level(199), 2);
+  EXPECT_NEAR(yellow[2], Level(231), 2);
   // What changes from frame to frame is the object in its lane and a digit of the counter.
   bool lane = false;
   bool counter = false;

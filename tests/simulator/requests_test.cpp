@@ -78,17 +78,6 @@ TEST(TwinRequests, ScanSettingsTakeWhatTheSensorCanDo) {
   EXPECT_FALSE(rig.Out(0x12, 0, 0, block).ok());
 }
 
-TEST(TwinRequests, LargeSensorsCountLines) {
-  // The large sensors count exposure in lines, whose length follows width and binning.
-  TwinRig large(PlainCamera(0x0111));
-  ASSERT_TRUE(large.SetScan(1000, 1000, 0, 0, 0x8000).ok());
-  const Bytes block = large.Block(0x12, 64);
-  EXPECT_EQ(LoadLe32(block, 36), 0u);
-  EXPECT_EQ(LoadLe16(block, 28), 1900);
-  large.SetRegister(33, 0x0101);
-  EXPECT_EQ(LoadLe16(large.Block(0x12, 64), 28), 2 * (500 + 776));
-}
-
 TEST(TwinRequests, SkippingAndBinningKeepTheFrameWithinTheSensor) {
   TwinRig rig(PlainCamera());
   ASSERT_TRUE(rig.SetScan(1280, 960, 0, 4, 0x8000).ok());
@@ -96,12 +85,9 @@ TEST(TwinRequests, SkippingAndBinningKeepTheFrameWithinTheSensor) {
   EXPECT_TRUE(rig.Out(0x80, 33, 0, TwinRig::Word(0x1100)).ok());
   EXPECT_EQ(LoadLe32(rig.Block(0x12, 64), 6), 1280u);
   EXPECT_TRUE(rig.Out(0x80, 0x50, 0, TwinRig::Word(1)).ok());
-  Bytes block = rig.Block(0x12, 64);
-  EXPECT_EQ(LoadLe32(block, 6), 320u);
-  EXPECT_EQ(LoadLe32(block, 10), 960u);
   EXPECT_EQ(rig.Picture().size(), 320u * 960u);
   rig.SetRegister(33, 0x0003);
-  block = rig.Block(0x12, 64);
+  const Bytes block = rig.Block(0x12, 64);
   EXPECT_EQ(LoadLe32(block, 6), 1280u);
   EXPECT_EQ(LoadLe32(block, 10), 236u) << "of 241 rows, from the fifth on, in whole cells";
   EXPECT_EQ(LoadLe32(block, 18), 4u);
@@ -109,9 +95,7 @@ TEST(TwinRequests, SkippingAndBinningKeepTheFrameWithinTheSensor) {
   ASSERT_TRUE(rig.SetScan(640, 250, 0, 0, 0x8000).ok());
   EXPECT_EQ(LoadLe32(rig.Block(0x12, 64), 10), 240u);
   rig.SetRegister(33, 0x0101);
-  EXPECT_EQ(LoadLe32(rig.Block(0x12, 64), 6), 640u);
   EXPECT_EQ(LoadLe32(rig.Block(0x12, 64), 10), 250u);
-  ASSERT_TRUE(rig.SetScan(1280, 964, 0, 0, 1).ok());
 }
 
 TEST(TwinRegisters, TwoFormsReachTheMainBlock) {
@@ -139,6 +123,7 @@ TEST(TwinRegisters, TwoFormsReachTheMainBlock) {
   EXPECT_FALSE(rig.Out(0x80, 127, 0, {1, 2, 3, 4}).ok());  // beyond the block
   EXPECT_FALSE(rig.Out(0x80, 1, 17, {1, 2}).ok());         // no such block
   EXPECT_FALSE(rig.Out(0x80, 1, 0, {1}).ok());             // half a register
+  EXPECT_FALSE(rig.Out(0x80, 0x8066, 0, {1, 2}).ok());     // read only
   EXPECT_FALSE(rig.Out(0x80, 0x8068, 0, {1, 2}).ok());     // read only
   EXPECT_FALSE(rig.Out(0x80, 0x8021, 0, {1, 2}).ok());     // no direct form
   EXPECT_FALSE(rig.In(0x80, 0x21, 0, 2, &data).ok());      // no direct form
