@@ -13,6 +13,13 @@
 #include <utility>
 #include <vector>
 
+#if defined(VEXA_BENCH_OPENCV)
+#include <opencv2/imgproc.hpp>
+#endif
+#if defined(VEXA_BENCH_LIBYUV)
+#include <libyuv.h>
+#endif
+
 namespace vexa::bench {
 
 /// A 5 megapixel sensor.
@@ -55,6 +62,9 @@ inline void AddCopy(const std::string& operation_and_case, std::size_t bytes) {
 
 inline int RunAll(int argc, char** argv, void (*register_all)()) {
   benchmark::Initialize(&argc, argv);
+#if defined(VEXA_BENCH_OPENCV)
+  cv::setNumThreads(1);
+#endif
   register_all();
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();

@@ -5,38 +5,20 @@
 // functions take), a version of the inner loops, a peer, or memcpy. Ours work in place, peers from
 // one buffer into another. Filters start each run from the same frame, which is copied back while
 // the clock stands.
-#include <benchmark/benchmark.h>
-
-#include <algorithm>
-#include <array>
 #include <cstring>
 #include <ctime>
 #include <functional>
-#include <random>
 #include <string>
-#include <vector>
 
+#include "bench_support.hpp"
 #include "imaging/mirror_rotation.hpp"
 #include "imaging/noise_reduction.hpp"
 #include "imaging/sharpness.hpp"
 
-#if defined(VEXA_BENCH_OPENCV)
-#include <opencv2/imgproc.hpp>
-#endif
-#if defined(VEXA_BENCH_LIBYUV)
-#include <libyuv/planar_functions.h>
-#include <libyuv/rotate.h>
-#endif
-
 namespace {
 
 using namespace vexa::imaging;
-
-constexpr std::uint32_t kWidth = 2592;
-constexpr std::uint32_t kHeight = 1944;
-constexpr std::size_t kPixels = std::size_t{kWidth} * kHeight;
-
-using Bytes = std::vector<std::uint8_t>;
+using namespace vexa::bench;
 
 /// Slopes with the noise of a sensor on them, of which a few samples are impulses; or noise alone,
 /// the worst case of filters that do less where there is less to do.
@@ -72,7 +54,7 @@ void InPlace(benchmark::State& state, const Bytes& picture,
 }
 
 template <class Work>
-void Add(const std::string& name, Work work) {
+void AddTimed(const std::string& name, Work work) {
   benchmark::RegisterBenchmark(name.c_str(), [work](benchmark::State& state) { work(state); })
       ->UseManualTime()
       ->Unit(benchmark::kMicrosecond);
@@ -82,7 +64,7 @@ void Add(const std::string& name, Work work) {
 template <class Work>
 void AddOurs(const std::string& name, std::size_t channels, bool is_noise, Work work) {
   const auto add = [&](const std::string& who, const FrameKernels* kernels) {
-    Add(name + "/" + who, [=](benchmark::State& state) {
+    AddTimed(name + "/" + who, [=](benchmark::State& state) {
       InPlace(state, Picture(channels, is_noise),
               [=](std::uint8_t* image) { return work(image, *kernels); });
     });
@@ -96,7 +78,7 @@ void AddOurs(const std::string& name, std::size_t channels, bool is_noise, Work 
 /// A peer, or memcpy, from one buffer into another: work(from, to).
 template <class Work>
 void AddPeer(const std::string& name, std::size_t channels, bool is_noise, Work work) {
-  Add(name, [=](benchmark::State& state) {
+  AddTimed(name, [=](benchmark::State& state) {
     Bytes from = Picture(channels, is_noise);
     Bytes to(from.size());
     InPlace(state, to, [&](std::uint8_t* image) {
@@ -245,17 +227,12 @@ void AddReordering() {
   }
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-#if defined(VEXA_BENCH_OPENCV)
-  cv::setNumThreads(1);
-#endif
+void Register() {
   AddSharpness();
   AddNoiseReduction();
   AddReordering();
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
 }
+
+}  // namespace
+
+int main(int argc, char** argv) { return RunAll(argc, argv, Register); }

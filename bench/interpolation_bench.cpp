@@ -8,10 +8,6 @@
 #include "imaging/color_array.hpp"
 #include "imaging/interpolation.hpp"
 
-#if defined(VEXA_BENCH_OPENCV)
-#include <opencv2/imgproc.hpp>
-#endif
-
 namespace {
 
 using namespace vexa::imaging;
@@ -40,7 +36,6 @@ void AddOurs(const std::string& name, const char* who, const RowKernels* kernels
 #if defined(VEXA_BENCH_OPENCV)
 void AddOpenCv(const std::string& name, int code, int channels) {
   Add(name, "opencv", [=] {
-    cv::setNumThreads(1);
     return [=, frame = Noise(kPixels), image = cv::Mat()]() mutable {
       const cv::Mat raw(static_cast<int>(kHeight), static_cast<int>(kWidth), CV_8UC1, frame.data());
       cv::cvtColor(raw, image, code, channels);

@@ -1,70 +1,37 @@
 // Measurements on a 5 megapixel raw frame, and the white balance on the host: ours beside OpenCV,
 // where it is installed, beside the same loops without any art, and beside a copy of the frame. One
 // thread.
-#include <benchmark/benchmark.h>
-
 #include <algorithm>
-#include <cstring>
-#include <random>
-#include <vector>
+#include <array>
+#include <string>
 
+#include "bench_support.hpp"
 #include "imaging/auto_white_balance.hpp"
 #include "imaging/bayer_tables.hpp"
 #include "imaging/bright_pixels.hpp"
 #include "imaging/color_array.hpp"
 #include "imaging/pattern_statistics.hpp"
 
-#if defined(VEXA_BENCH_OPENCV)
-#include <opencv2/imgproc.hpp>
-#endif
-
 namespace {
 
 using namespace vexa::imaging;
+using namespace vexa::bench;
 
-constexpr std::uint32_t kWidth = 2592;
-constexpr std::uint32_t kHeight = 1944;
-constexpr std::size_t kPixels = std::size_t{kWidth} * kHeight;
 constexpr auto kArray = static_cast<std::uint16_t>(ColorArray::kRggb);
 
-using Frame = std::vector<std::uint8_t>;
-
-Frame NoiseFrame(std::size_t bytes = kPixels) {
-  std::mt19937 random(1);
-  Frame frame(bytes);
-  std::generate(frame.begin(), frame.end(), [&] { return static_cast<std::uint8_t>(random()); });
-  return frame;
-}
-
 // The samples of one value wait for each other's counts most.
-Frame GreyFrame() { return Frame(kPixels, 128); }
+Bytes GreyFrame() { return Bytes(kPixels, 128); }
 
 // What a covered lens leaves.
-Frame DarkFrame() {
-  Frame frame = NoiseFrame();
+Bytes DarkFrame() {
+  Bytes frame = Noise(kPixels);
   std::ranges::transform(frame, frame.begin(),
                          [](std::uint8_t v) { return static_cast<std::uint8_t>(v / 32); });
   for (std::size_t i = 0; i < kPixels; i += 100'003) frame[i] = 255;
   return frame;
 }
 
-template <typename Work>
-void Run(const char* name, Work work) {
-  benchmark::RegisterBenchmark(name, [work](benchmark::State& state) mutable {
-    for (auto _ : state) {
-      work();
-      benchmark::ClobberMemory();
-    }
-  })->Unit(benchmark::kMicrosecond);
-}
-
-void CopyBeside(const char* name, std::size_t bytes) {
-  Run(name, [from = NoiseFrame(bytes), to = Frame(bytes)]() mutable {
-    std::memcpy(to.data(), from.data(), from.size());
-  });
-}
-
-void Average(const Frame& frame, std::uint32_t format) {
+void Average(const Bytes& frame, std::uint32_t format) {
   std::array<float, kPatternPositions> mean{};
   const vexa::Status status = AveragePixelValue({.width = kWidth,
                                                  .height = kHeight,
@@ -78,7 +45,7 @@ void Average(const Frame& frame, std::uint32_t format) {
   benchmark::DoNotOptimize(mean);
 }
 
-void PlainHistograms(const Frame& frame) {
+void PlainHistograms(const Bytes& frame) {
   std::array<Histogram, kPatternPositions> histograms{};
   for (std::size_t y = 0; y < kHeight; ++y) {
     for (std::size_t x = 0; x < kWidth; ++x) {
@@ -101,7 +68,7 @@ BayerTables GainTables() {
 
 #if defined(VEXA_BENCH_OPENCV)
 // The two positions of every second row as the channels of an image.
-cv::Mat Rows(const Frame& frame, int first, int type) {
+cv::Mat Rows(const Bytes& frame, int first, int type) {
   const int channel_bytes = static_cast<int>(CV_ELEM_SIZE1(type));
   auto* data = const_cast<std::uint8_t*>(frame.data());
   const std::size_t row = std::size_t{kWidth} * static_cast<std::size_t>(channel_bytes);
@@ -109,13 +76,13 @@ cv::Mat Rows(const Frame& frame, int first, int type) {
           data + static_cast<std::size_t>(first) * row, 2 * row};
 }
 
-void OpenCvAverage(const Frame& frame, int type) {
+void OpenCvAverage(const Bytes& frame, int type) {
   for (const int first : {0, 1}) {
     benchmark::DoNotOptimize(cv::mean(Rows(frame, first, type)));
   }
 }
 
-void OpenCvHistograms(const Frame& frame) {
+void OpenCvHistograms(const Bytes& frame) {
   constexpr int kBins[] = {256};
   constexpr float kRange[] = {0, 256};
   const float* ranges[] = {kRange};
@@ -129,7 +96,7 @@ void OpenCvHistograms(const Frame& frame) {
   }
 }
 
-void OpenCvTables(Frame& frame, const BayerTables& tables) {
+void OpenCvTables(Bytes& frame, const BayerTables& tables) {
   for (const std::size_t first : {0, 1}) {
     cv::Mat rows = Rows(frame, static_cast<int>(first), CV_8UC2);
     cv::Mat table(1, 256, CV_8UC2);
@@ -141,7 +108,7 @@ void OpenCvTables(Frame& frame, const BayerTables& tables) {
   }
 }
 
-void OpenCvBrightPixels(const Frame& frame) {
+void OpenCvBrightPixels(const Bytes& frame) {
   const cv::Mat picture(static_cast<int>(kHeight), static_cast<int>(kWidth), CV_8UC1,
                         const_cast<std::uint8_t*>(frame.data()));
   std::vector<cv::Point> points;
@@ -150,57 +117,59 @@ void OpenCvBrightPixels(const Frame& frame) {
 }
 #endif
 
-void Register() {
-  Run("average/8bit/ours", [frame = NoiseFrame()] { Average(frame, 1); });
-  Run("average/16bit/ours", [frame = NoiseFrame(2 * kPixels)] { Average(frame, 16); });
-  CopyBeside("average/8bit/memcpy", kPixels);
-  CopyBeside("average/16bit/memcpy", 2 * kPixels);
+/// Registers work on a frame, which `make` makes.
+template <typename Make, typename Work>
+void AddOn(const std::string& operation_and_case, const std::string& who, Make make, Work work) {
+  Add(operation_and_case, who, [=] { return [work, frame = make()]() mutable { work(frame); }; });
+}
 
-  const auto measure = [](const Frame& frame) {
+Bytes NoiseFrame() { return Noise(kPixels); }
+Bytes DeepNoiseFrame() { return Noise(2 * kPixels); }
+
+void Register() {
+  AddOn("average/8bit", "ours", NoiseFrame, [](Bytes& frame) { Average(frame, 1); });
+  AddOn("average/16bit", "ours", DeepNoiseFrame, [](Bytes& frame) { Average(frame, 16); });
+  AddCopy("average/8bit", kPixels);
+  AddCopy("average/16bit", 2 * kPixels);
+
+  const auto measure = [](Bytes& frame) {
     benchmark::DoNotOptimize(MeasurePattern(kWidth, kHeight, frame.data()));
   };
-  Run("histograms/noise/ours", [measure, frame = NoiseFrame()] { measure(frame); });
-  Run("histograms/grey/ours", [measure, frame = GreyFrame()] { measure(frame); });
-  Run("histograms/noise/reference", [frame = NoiseFrame()] { PlainHistograms(frame); });
-  Run("histograms/grey/reference", [frame = GreyFrame()] { PlainHistograms(frame); });
-  CopyBeside("histograms/noise/memcpy", kPixels);
+  AddOn("histograms/noise", "ours", NoiseFrame, measure);
+  AddOn("histograms/grey", "ours", GreyFrame, measure);
+  AddOn("histograms/noise", "reference", NoiseFrame, PlainHistograms);
+  AddOn("histograms/grey", "reference", GreyFrame, PlainHistograms);
+  AddCopy("histograms/noise", kPixels);
 
-  Run("white_balance_gains/noise/ours", [frame = NoiseFrame()] {
+  AddOn("white_balance_gains/noise", "ours", NoiseFrame, [](Bytes& frame) {
     ColorGains gains;
     const vexa::Status status = FindColorGains(kWidth, kHeight, kArray, frame.data(), &gains);
     benchmark::DoNotOptimize(status);
     benchmark::DoNotOptimize(gains);
   });
-  Run("white_balance_correction/noise/ours",
-      [frame = NoiseFrame(), tables = GainTables()]() mutable {
-        ApplyBayerTables(tables, kWidth, kHeight, kArray, frame.data());
-      });
-  CopyBeside("white_balance_correction/noise/memcpy", kPixels);
+  AddOn("white_balance_correction/noise", "ours", NoiseFrame,
+        [tables = GainTables()](Bytes& frame) {
+          ApplyBayerTables(tables, kWidth, kHeight, kArray, frame.data());
+        });
+  AddCopy("white_balance_correction/noise", kPixels);
 
-  Run("bright_pixels/dark/ours", [frame = DarkFrame()] {
+  AddOn("bright_pixels/dark", "ours", DarkFrame, [](Bytes& frame) {
     benchmark::DoNotOptimize(FindBrightPixels(kWidth, kHeight, frame.data(), 64, 64));
   });
-  CopyBeside("bright_pixels/dark/memcpy", kPixels);
+  AddCopy("bright_pixels/dark", kPixels);
 
 #if defined(VEXA_BENCH_OPENCV)
-  cv::setNumThreads(1);
-  Run("average/8bit/opencv", [frame = NoiseFrame()] { OpenCvAverage(frame, CV_8UC2); });
-  Run("average/16bit/opencv",
-      [frame = NoiseFrame(2 * kPixels)] { OpenCvAverage(frame, CV_16UC2); });
-  Run("histograms/noise/opencv", [frame = NoiseFrame()] { OpenCvHistograms(frame); });
-  Run("histograms/grey/opencv", [frame = GreyFrame()] { OpenCvHistograms(frame); });
-  Run("white_balance_correction/noise/opencv",
-      [frame = NoiseFrame(), tables = GainTables()]() mutable { OpenCvTables(frame, tables); });
-  Run("bright_pixels/dark/opencv", [frame = DarkFrame()] { OpenCvBrightPixels(frame); });
+  AddOn("average/8bit", "opencv", NoiseFrame, [](Bytes& frame) { OpenCvAverage(frame, CV_8UC2); });
+  AddOn("average/16bit", "opencv", DeepNoiseFrame,
+        [](Bytes& frame) { OpenCvAverage(frame, CV_16UC2); });
+  AddOn("histograms/noise", "opencv", NoiseFrame, OpenCvHistograms);
+  AddOn("histograms/grey", "opencv", GreyFrame, OpenCvHistograms);
+  AddOn("white_balance_correction/noise", "opencv", NoiseFrame,
+        [tables = GainTables()](Bytes& frame) { OpenCvTables(frame, tables); });
+  AddOn("bright_pixels/dark", "opencv", DarkFrame, OpenCvBrightPixels);
 #endif
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  Register();
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}
+int main(int argc, char** argv) { return RunAll(argc, argv, Register); }

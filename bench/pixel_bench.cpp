@@ -8,13 +8,6 @@
 #include "imaging/conversion.hpp"
 #include "imaging/gamma.hpp"
 
-#if defined(VEXA_BENCH_OPENCV)
-#include <opencv2/imgproc.hpp>
-#endif
-#if defined(VEXA_BENCH_LIBYUV)
-#include <libyuv.h>
-#endif
-
 namespace {
 
 using namespace vexa::imaging;
@@ -57,7 +50,6 @@ cv::Mat NoiseMat(int type) {
 template <typename Work>
 void AddOpenCv(const std::string& name, const char* who, int from, int to, Work work) {
   Add(name, who, [=] {
-    cv::setNumThreads(1);
     return [=, source = NoiseMat(from), destination = NoiseMat(to)]() mutable {
       work(source, destination);
     };
