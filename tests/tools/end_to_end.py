@@ -427,7 +427,8 @@ class WithCameras(EndToEnd):
 if __name__ == "__main__":
     if not os.access(PROGRAM, os.X_OK):
         sys.exit(f"{PROGRAM} is no program")
-    if LAUNCHER and vexa("--version").returncode == 77:
-        print(f"{PROGRAM}: NOT TESTED, nothing runs it here", file=sys.stderr)
+    probe = vexa("--version") if LAUNCHER else None
+    if probe and probe.returncode == 77:
+        print(probe.stderr, end="")
         sys.exit(77)
     unittest.main(argv=sys.argv[:1], verbosity=2)

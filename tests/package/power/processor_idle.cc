@@ -3,9 +3,11 @@
 // starts, so this one starts itself for each.
 
 #include <gtest/gtest.h>
+#include <process.h>
 
 #include <cstddef>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -16,65 +18,66 @@
 
 namespace {
 
+constexpr std::string_view kNew = "new", kOld = "old";
+
 struct Windows {
   const char* name;  // as Wine calls it
   DWORD platform, major, minor;
-  const char* power;  // the stand-in with its functions
+  std::string_view power;  // the stand-in with its functions
   const char *set, *get;
 };
 constexpr Windows kAll[] = {
-    {"win98", 1, 4, 10, "old", "GPQS", "GP"}, {"win2k", 2, 5, 0, "old", "GPQS", "GP"},
-    {"winxp", 2, 5, 1, "old", "GPQS", "GP"},  {"vista", 2, 6, 0, "new", "grRpqpqs", "grRpp"},
-    {"win7", 2, 6, 1, "new", "gwWs", "grR"},
+    {"win98", 1, 4, 10, kOld, "GPQS", "GP"}, {"win2k", 2, 5, 0, kOld, "GPQS", "GP"},
+    {"winxp", 2, 5, 1, kOld, "GPQS", "GP"},  {"vista", 2, 6, 0, kNew, "grRpqpqs", "grRpp"},
+    {"win7", 2, 6, 1, kNew, "gwWs", "grR"},
 };
 const Windows* windows = nullptr;  // that this process is to see
 
-// A loaded DLL; the library finds a PowrProf.dll that is loaded already.
-class Module {
- public:
-  explicit Module(const std::string& path) : module_(::LoadLibraryA(path.c_str())) {}
-  ~Module() { ::FreeLibrary(module_); }
-  Module(const Module&) = delete;
-  Module& operator=(const Module&) = delete;
+using Module =
+    std::unique_ptr<HINSTANCE__, decltype([](HMODULE module) { ::FreeLibrary(module); })>;
 
-  template <typename Pointer>
-  Pointer Find(const char* name) const {
-    const auto address = ::GetProcAddress(module_, name);
-    EXPECT_NE(address, nullptr) << name;
-    return reinterpret_cast<Pointer>(reinterpret_cast<void*>(address));
+template <typename Pointer>
+Pointer Find(const Module& module, const char* name) {
+  return reinterpret_cast<Pointer>(reinterpret_cast<void*>(::GetProcAddress(module.get(), name)));
+}
+
+// How a call ended (its last error, 0 for success), and what it asked the system. An identifier
+// that was given has to be freed.
+using Ending = std::pair<DWORD, std::string>;
+
+// The library with the stand-in of a folder, or with none. It takes a PowrProf.dll that is loaded.
+struct Library {
+  explicit Library(std::string_view folder)
+      : power_module(::LoadLibraryA((std::string(folder) + "\\PowrProf.dll").c_str())) {}
+
+  Ending Set(BOOL ac, BOOL dc, std::size_t fail_at = 0) {
+    return Call(fail_at, [&] { return set(ac, dc); });
+  }
+  Ending Get(std::size_t fail_at = 0) {
+    return Call(fail_at, [&] { return get(&ac_state, &dc_state); });
   }
 
- private:
-  HMODULE module_;
-};
-
-class Library {
- public:
-  // `power` is a folder beside the program; one without a DLL leaves the system without.
-  explicit Library(const std::string& power) : power_(power + "\\PowrProf.dll"), vexa_("VexaAPI") {}
-
-  DWORD Set(BOOL ac, BOOL dc) const {
-    return Call([&] { return set_(ac, dc); });
-  }
-  DWORD Get(BOOL* ac, BOOL* dc) const {
-    return Call([&] { return get_(ac, dc); });
-  }
-  PowerStandIn& Power() const { return *power_.Find<PowerStandIn*>("stand_in"); }
-
- private:
-  // The last error of a call that has failed, 0 after success.
   template <typename Function>
-  static DWORD Call(Function function) {
+  Ending Call(std::size_t fail_at, Function function) {
+    memset(power.calls, 0, sizeof power.calls);
+    power.fail_at = fail_at;
+    power.code = ERROR_GEN_FAILURE;
+    power.scheme = nullptr;
     ::SetLastError(0);
-    return function() ? 0 : ::GetLastError();
+    const DWORD code = function() ? 0 : ::GetLastError();
+    const bool leak = power.scheme && ::HeapValidate(::GetProcessHeap(), 0, power.scheme);
+    return {code, std::string(power.calls) + (leak ? " and keeps the identifier" : "")};
   }
 
-  Module power_;
-  Module vexa_;
-  decltype(&Vexa_SetProcessorIdleState) set_ =
-      vexa_.Find<decltype(set_)>("Vexa_SetProcessorIdleState");
-  decltype(&Vexa_GetProcessorIdleState) get_ =
-      vexa_.Find<decltype(get_)>("Vexa_GetProcessorIdleState");
+  Module power_module;
+  Module vexa{::LoadLibraryA("VexaAPI.dll")};
+  decltype(&Vexa_SetProcessorIdleState) set =
+      Find<decltype(set)>(vexa, "Vexa_SetProcessorIdleState");
+  decltype(&Vexa_GetProcessorIdleState) get =
+      Find<decltype(get)>(vexa, "Vexa_GetProcessorIdleState");
+  PowerStandIn none{};
+  PowerStandIn& power = power_module ? *Find<PowerStandIn*>(power_module, "stand_in") : none;
+  BOOL ac_state = -1, dc_state = -1;  // that Get() has given
 };
 
 // Puts into the system's data what says whether idle states are allowed on AC (0) or DC (1).
@@ -93,107 +96,51 @@ bool SameData(const PowerStandIn& one, const PowerStandIn& other) {
   return memcmp(one.index, other.index, sizeof one - offsetof(PowerStandIn, index)) == 0;
 }
 
-// How a call ended (its last error, 0 for success), and what it asked the system. An identifier
-// that was given has to be freed.
-using Ending = std::pair<DWORD, std::string>;
-
-class ProcessorIdle : public ::testing::Test {
- protected:
-  ProcessorIdle() {
-    memset(&power_.policies, 0xA5, sizeof power_.policies + sizeof power_.processor_scheme);
-    power_.index[0] = 1;
-    power_.index[1] = 0;
-  }
-
-  Ending Set(BOOL ac, BOOL dc, std::size_t fail_at = 0) {
-    return Call(fail_at, [&] { return library_.Set(ac, dc); });
-  }
-  Ending Get(std::size_t fail_at = 0) {
-    return Call(fail_at, [&] { return library_.Get(&state_[0], &state_[1]); });
-  }
-
-  const Library library_{windows->power};
-  PowerStandIn& power_ = library_.Power();
-  BOOL state_[2] = {-1, -1};  // that Get() has given
-
- private:
-  template <typename Function>
-  Ending Call(std::size_t fail_at, Function function) {
-    memset(power_.calls, 0, sizeof power_.calls);
-    power_.fail_at = fail_at;
-    power_.code = ERROR_GEN_FAILURE;
-    power_.scheme = nullptr;
-    const DWORD code = function();
-    const bool leak =
-        power_.scheme != nullptr && ::HeapValidate(::GetProcessHeap(), 0, power_.scheme);
-    return {code, std::string(power_.calls) + (leak ? " and keeps the identifier" : "")};
-  }
-};
-
-TEST_F(ProcessorIdle, IsSetAndReadThroughTheSystem) {
+TEST(ProcessorIdle, IsSetAndReadThroughTheSystem) {
+  Library library(windows->power);
+  PowerStandIn& power = library.power;
+  memset(&power.policies, 0xA5, sizeof power.policies + sizeof power.processor_scheme);
+  power.index[0] = 1;  // in the list of policies: AC and DC the other way round
   for (const BOOL ac : {0, 1, 0}) {
     for (const BOOL dc : {1, 0}) {
-      PowerStandIn expected = power_;
+      PowerStandIn expected = power;
       Allow(&expected, 0, ac);
       Allow(&expected, 1, dc);
       // Nonzero is enabled; before Vista the lowest bit counts.
-      EXPECT_EQ(Set(windows->major < 6 ? ac | 2 : 2 * ac, dc), Ending(0, windows->set));
-      EXPECT_TRUE(SameData(power_, expected)) << ac << dc << ": other bits have changed";
-      EXPECT_EQ(Get(), Ending(0, windows->get));
-      EXPECT_EQ(std::pair(state_[0], state_[1]), std::pair(ac, dc));
+      EXPECT_EQ(library.Set(windows->major < 6 ? ac | 2 : 2 * ac, dc), Ending(0, windows->set));
+      EXPECT_TRUE(SameData(power, expected)) << ac << dc << ": other bits have changed";
+      EXPECT_EQ(library.Get(), Ending(0, windows->get));
+      EXPECT_EQ(std::pair(library.ac_state, library.dc_state), std::pair(ac, dc));
     }
   }
-  power_.processor_scheme.policies[1].Policy[1].AllowPromotion = 1;
-  EXPECT_EQ(Get().first, 0U);
-  EXPECT_EQ(state_[1], windows->major < 6) << "the second entry alone allows it, too";
+  power.processor_scheme.policies[1].Policy[1].AllowPromotion = 1;
+  EXPECT_EQ(library.Get().first, 0U);
+  EXPECT_EQ(library.dc_state, windows->major < 6) << "the second entry alone allows it, too";
 }
 
-TEST_F(ProcessorIdle, EveryFailureEndsTheCallWithItsCode) {
-  const auto check = [&](std::string_view calls, const auto& call) {
+TEST(ProcessorIdle, EveryFailureEndsTheCallWithItsCode) {
+  Library library(windows->power);
+  for (const std::string_view calls : {windows->set, windows->get}) {
     for (std::size_t i = 1; i <= calls.size(); ++i) {
-      EXPECT_EQ(call(i), Ending(ERROR_GEN_FAILURE, calls.substr(0, i)));
+      EXPECT_EQ(calls == windows->set ? library.Set(1, 0, i) : library.Get(i),
+                Ending(ERROR_GEN_FAILURE, calls.substr(0, i)));
     }
-  };
-  check(windows->set, [&](std::size_t i) { return Set(1, 0, i); });
-  check(windows->get, [&](std::size_t i) { return Get(i); });
-  EXPECT_EQ(state_[0], -1) << "a failed call stores nothing";
+  }
+  EXPECT_EQ(library.ac_state, -1) << "a failed call stores nothing";
 }
 
-TEST(ProcessorIdleWithoutFunctions, BothFailAsLookingForThemHasFailed) {
+TEST(ProcessorIdle, WithoutItsFunctionsFailsAsLookingForThemHasFailed) {
   ASSERT_EQ(::LoadLibraryA("PowrProf.dll"), nullptr) << "the system's own is in the way";
   const DWORD not_found = ::GetLastError();
-  const std::string other = std::string(windows->power) == "new" ? "old" : "new";
-  for (const auto& [code, power] :
-       {Ending(ERROR_PROC_NOT_FOUND, other), Ending(ERROR_PROC_NOT_FOUND, "first"),
-        Ending(not_found, "none")}) {
-    const Library library(power);
-    BOOL ac = -1, dc = -1;
-    EXPECT_EQ(library.Set(1, 1), code) << power;
-    EXPECT_EQ(library.Get(&ac, &dc), code) << power;
-    EXPECT_EQ(std::pair(ac, dc), std::pair(-1, -1)) << power;
+  for (const auto& [code, folder] :
+       {Ending(ERROR_PROC_NOT_FOUND, windows->power == kNew ? kOld : kNew),
+        Ending(ERROR_PROC_NOT_FOUND, "first"), Ending(not_found, "none")}) {
+    Library library(folder);
+    EXPECT_EQ(library.Set(1, 1), Ending(code, "")) << folder;
+    EXPECT_EQ(library.Get(), Ending(code, "")) << folder;
+    EXPECT_EQ(library.ac_state, -1) << folder;
   }
   EXPECT_EQ(::GetModuleHandleA("PowrProf.dll"), nullptr) << "not released with the library";
-}
-
-// Runs this program in the Windows; the number of its failures.
-DWORD RunIn(const Windows& windows, const char* program) {
-  const std::string_view name(strrchr(program, '\\') + 1);
-  const std::string key = "Software\\Wine\\AppDefaults\\" + std::string(name);
-  ::RegSetKeyValueA(HKEY_CURRENT_USER, key.c_str(), "Version", REG_SZ, windows.name,
-                    static_cast<DWORD>(strlen(windows.name) + 1));
-  std::string line = "x " + std::string(windows.name);
-  STARTUPINFOA startup{};
-  startup.cb = sizeof startup;
-  PROCESS_INFORMATION process{};
-  DWORD code = 1;
-  if (::CreateProcessA(program, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
-                       &process)) {
-    ::WaitForSingleObject(process.hProcess, INFINITE);
-    ::GetExitCodeProcess(process.hProcess, &code);
-    ::CloseHandle(process.hProcess);
-    ::CloseHandle(process.hThread);
-  }
-  return code;
 }
 
 }  // namespace
@@ -202,20 +149,24 @@ int main(int count, char** arguments) {
   ::testing::InitGoogleTest(&count, arguments);
   char program[MAX_PATH] = {};
   ::GetModuleFileNameA(nullptr, program, MAX_PATH);
+  const std::string key =
+      std::string("Software\\Wine\\AppDefaults\\") + (strrchr(program, '\\') + 1);
+  int failures = 0;
+  for (const Windows& each : kAll) {
+    if (count == 1) {
+      ::RegSetKeyValueA(HKEY_CURRENT_USER, key.c_str(), "Version", REG_SZ, each.name,
+                        static_cast<DWORD>(strlen(each.name) + 1));
+      failures += ::_spawnl(_P_WAIT, program, "processor_idle", each.name, nullptr) != 0;
+    } else if (std::string_view(arguments[1]) == each.name) {
+      windows = &each;
+    }
+  }
+  if (count == 1) return failures;
   OSVERSIONINFOA version{};
   version.dwOSVersionInfoSize = sizeof version;
   ::GetVersionExA(&version);
-  DWORD failures = 0;
-  for (const Windows& each : kAll) {
-    if (count == 1) {
-      failures += RunIn(each, program);
-    } else if (std::string_view(arguments[1]) == each.name) {
-      windows = &each;
-      printf("Windows %s: %lu, %lu.%lu\n", each.name, version.dwPlatformId, version.dwMajorVersion,
-             version.dwMinorVersion);
-    }
-  }
-  if (count == 1) return failures == 0 ? 0 : 1;
+  printf("Windows %s: %lu, %lu.%lu\n", arguments[1], version.dwPlatformId, version.dwMajorVersion,
+         version.dwMinorVersion);
   const bool right = windows != nullptr && version.dwPlatformId == windows->platform &&
                      version.dwMajorVersion == windows->major &&
                      version.dwMinorVersion == windows->minor;

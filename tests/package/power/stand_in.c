@@ -42,22 +42,20 @@ EXPORT DWORD WINAPI PowerSetActiveScheme(HKEY root, const GUID* scheme) {
   return Answer('s', IsActive(root, scheme));
 }
 
-#define READ_INDEX(supply, name, place)                                                      \
+/* The read and the write function of one supply. */
+#define VALUE_INDEX(supply, place, read, write)                                              \
   EXPORT DWORD WINAPI PowerRead##supply##ValueIndex(                                         \
       HKEY root, const GUID* scheme, const GUID* group, const GUID* setting, DWORD* index) { \
     *index = stand_in.index[place];                                                          \
-    return AnswerValue(name, root, scheme, group, setting);                                  \
+    return AnswerValue(read, root, scheme, group, setting);                                  \
+  }                                                                                          \
+  EXPORT DWORD WINAPI PowerWrite##supply##ValueIndex(                                        \
+      HKEY root, const GUID* scheme, const GUID* group, const GUID* setting, DWORD index) {  \
+    stand_in.index[place] = index;                                                           \
+    return AnswerValue(write, root, scheme, group, setting);                                 \
   }
-#define WRITE_INDEX(supply, name, place)                                                    \
-  EXPORT DWORD WINAPI PowerWrite##supply##ValueIndex(                                       \
-      HKEY root, const GUID* scheme, const GUID* group, const GUID* setting, DWORD index) { \
-    stand_in.index[place] = index;                                                          \
-    return AnswerValue(name, root, scheme, group, setting);                                 \
-  }
-READ_INDEX(AC, 'r', 0)
-READ_INDEX(DC, 'R', 1)
-WRITE_INDEX(AC, 'w', 0)
-WRITE_INDEX(DC, 'W', 1)
+VALUE_INDEX(AC, 0, 'r', 'w')
+VALUE_INDEX(DC, 1, 'R', 'W')
 
 static int IsPolicy(HKEY root, const GUID* group, const GUID* setting, DWORD index) {
   return root == NULL && IsEqualGUID(group, &GUID_PROCESSOR_SETTINGS_SUBGROUP) &&
