@@ -27,16 +27,34 @@ inline BOOL Report(Status status) {
   return FALSE;
 }
 
+/// What the system's functions leave in the last error on the way to a success (997 of a request
+/// that had to wait) says nothing to the application: the code of before the call stays unless the
+/// call fails with a code of its own.
+class LastErrorGuard {
+ public:
+  LastErrorGuard() = default;
+  LastErrorGuard(const LastErrorGuard&) = delete;
+  LastErrorGuard& operator=(const LastErrorGuard&) = delete;
+  ~LastErrorGuard() { platform::SetLastErrorCode(before_); }
+
+ private:
+  const Status before_ = platform::LastErrorCode();
+};
+
 /// Runs work that returns a Status, and turns it into result and last error.
 template <typename Work>
 BOOL Call(Work&& work) noexcept {
-  try {
-    return Report(std::forward<Work>(work)());
-  } catch (const std::bad_alloc&) {
-    return Report(error::kNotEnoughMemory);
-  } catch (const std::exception&) {
-    return Report(error::kGeneralFailure);
-  }
+  const auto run = [&]() -> Status {
+    const LastErrorGuard guard;
+    try {
+      return std::forward<Work>(work)();
+    } catch (const std::bad_alloc&) {
+      return error::kNotEnoughMemory;
+    } catch (const std::exception&) {
+      return error::kGeneralFailure;
+    }
+  };
+  return Report(run());
 }
 
 /// The same for work on the camera behind a handle.
@@ -70,6 +88,22 @@ Status Give(Output* output, Value value) {
   }
   *output = static_cast<Output>(value);
   return {};
+}
+
+/// Runs a getter of the camera's on a value of the library's own type. What the value holds after
+/// it is handed on even when it fails; a getter that wrote nothing leaves the output as it was. A
+/// null output is refused before anything is sent.
+template <typename Value, typename Output, typename Getter>
+BOOL CallGetter(HANDLE handle, Output* output, Getter&& getter) {
+  return CallCamera(handle, [&](camera::CVexaCamera& camera) -> Status {
+    if (output == nullptr) {
+      return error::kInvalidParameter;
+    }
+    Value value = *output;
+    const Status status = getter(camera, &value);
+    *output = value;
+    return status;
+  });
 }
 
 }  // namespace vexa::exports

@@ -41,6 +41,7 @@ void VEXA_CALL Vexa_Close(HANDLE camera) {
 
 BOOL VEXA_CALL Vexa_GetDllVersion(DWORD* file_high, DWORD* file_low, DWORD* product_high,
                                   DWORD* product_low) {
+  const LastErrorGuard guard;
   vexa::platform::ModuleVersion version;
   try {
     version = vexa::platform::ReadModuleVersion();

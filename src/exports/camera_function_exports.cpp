@@ -17,13 +17,11 @@ BOOL SetCorrection(HANDLE camera, Correction correction, DWORD value) {
                     [&](CVexaCamera& self) { return self.correction().Set(correction, value); });
 }
 
-// Runs a getter whose value is 0 when it fails. A null output is refused before anything is sent.
+// Runs a getter whose value is 0 when it fails.
 template <typename Output, typename Getter>
 BOOL GetOrZero(HANDLE camera, Output* output, Getter&& getter) {
   Clear(output);
-  return CallCamera(camera, [&](CVexaCamera& self) {
-    return output != nullptr ? getter(self, output) : vexa::error::kInvalidParameter;
-  });
+  return CallGetter<Output>(camera, output, getter);
 }
 
 BOOL GetCorrection(HANDLE camera, Correction correction, WORD* value) {

@@ -25,14 +25,8 @@ BOOL Set(HANDLE camera, Setter<Value> set, DWORD value) {
 
 template <typename Value, typename Output>
 BOOL Get(HANDLE camera, Getter<Value> get, Output* output) {
-  return CallCamera(camera, [&](CVexaCamera& self) {
-    if (output == nullptr) {
-      return vexa::error::kInvalidParameter;
-    }
-    Value value{};
-    const Status status = (self.level_control().*get)(&value);
-    *output = value;  // also on failure: what the library has
-    return status;
+  return CallGetter<Value>(camera, output, [&](CVexaCamera& self, Value* value) {
+    return (self.level_control().*get)(value);
   });
 }
 
@@ -88,14 +82,7 @@ BOOL VEXA_CALL Vexa_GetAEMinExposureClock(HANDLE camera, DWORD* exposure_clock) 
 
 BOOL VEXA_CALL Vexa_ALC(HANDLE camera, DWORD level, DWORD* changed) {
   Clear(changed);
-  return CallCamera(camera, [&](CVexaCamera& self) {
-    if (changed == nullptr) {
-      return vexa::error::kInvalidParameter;
-    }
-    std::uint32_t report = 0;
-    const Status status =
-        self.level_control().Step(static_cast<std::uint16_t>(level & 0xFFFF), &report);
-    *changed = report;  // also on failure
-    return status;
+  return CallGetter<std::uint32_t>(camera, changed, [&](CVexaCamera& self, std::uint32_t* report) {
+    return self.level_control().Step(static_cast<std::uint16_t>(level & 0xFFFF), report);
   });
 }

@@ -2,6 +2,7 @@
 
 #include "VexaAPI.h"
 #include "exports/call_frame.hpp"
+#include "platform/last_error.hpp"
 
 using namespace vexa::exports;  // NOLINT(google-build-using-namespace): the frame of every function
 
@@ -10,7 +11,7 @@ int VEXA_CALL Vexa_Draw(HANDLE camera, HDC device_context, int destination_x, in
                         int source_width, int source_height, DWORD image_width, DWORD image_height,
                         const BYTE* image, DWORD pixel_format) {
   int lines = 0;
-  static_cast<void>(CallCamera(camera, [&](vexa::camera::CVexaCamera& object) {
+  CallCamera(camera, [&](vexa::camera::CVexaCamera& object) {
     lines = object.easy_draw().Draw(
         device_context,
         {.x = destination_x,
@@ -19,7 +20,8 @@ int VEXA_CALL Vexa_Draw(HANDLE camera, HDC device_context, int destination_x, in
          .height = destination_height},
         {.x = source_x, .y = source_y, .width = source_width, .height = source_height},
         {.width = image_width, .height = image_height, .format = pixel_format, .pixels = image});
-    return vexa::Status();
-  }));
+    // A failed drawing call has left its reason, one that had nothing to draw what was there.
+    return lines != 0 ? vexa::Status() : vexa::platform::LastErrorCode();
+  });
   return lines;
 }

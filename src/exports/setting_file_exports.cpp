@@ -29,41 +29,50 @@ Status CheckPath(const WCHAR* path) {
   return std::find(path, limit, WCHAR{0}) != limit ? Status() : vexa::error::kFileNameTooLong;
 }
 
-/// Runs work on the camera's settings, captured; its own calls have set the last error when it
-/// answers kLastErrorKept.
+/// Runs steps that reach the camera through other exports, which leave the reason of a failure in
+/// the last error, or leave that alone where they are documented so.
+template <typename Steps>
+Status RunSteps(Steps&& steps) {
+  vexa::platform::SetLastErrorCode({});
+  if (steps()) {
+    return {};
+  }
+  const Status reason = vexa::platform::LastErrorCode();
+  return reason.ok() ? vexa::error::kLastErrorKept : reason;
+}
+
+/// Runs work on the camera's settings, captured.
 template <typename Work>
 BOOL CallSettings(HANDLE camera, const WCHAR* path, Work&& work) {
   return CallCamera(camera, [&](CVexaCamera& self) {
     if (self.transfer().IsStarted()) {
       vexa::platform::SetLastErrorWarning(kTransferRunning);
-      return vexa::error::kLastErrorKept;
+      return kTransferRunning;
     }
     const Status usable = CheckPath(path);
     if (!usable.ok()) {
       return usable;
     }
     CSettingFile settings(camera, CopyWide(path));
-    return settings.Capture() ? work(settings) : vexa::error::kLastErrorKept;
+    const Status captured = RunSteps([&] { return settings.Capture(); });
+    return captured.ok() ? work(settings) : captured;
   });
 }
 
 /// Calls the wide form of an export with a narrow path.
 template <typename Export>
 BOOL CallWide(Export&& wide_export, HANDLE camera, const CHAR* path) {
-  BOOL result = FALSE;
-  Call([&] {
+  std::basic_string<WCHAR> units;
+  const BOOL converted = Call([&] {
     if (path == nullptr) {
       return vexa::error::kInvalidParameter;
     }
     std::u16string wide;
     const Status status = vexa::platform::ToWide(path, &wide);
-    if (status.ok()) {
-      const std::basic_string<WCHAR> units(wide.begin(), wide.end());
-      result = wide_export(camera, units.c_str());
-    }
+    units.assign(wide.begin(), wide.end());
     return status;
   });
-  return result;
+  return converted ? wide_export(camera, units.c_str()) : FALSE;
 }
 
 }  // namespace
@@ -75,7 +84,7 @@ BOOL VEXA_CALL Vexa_WriteSettingFileW(HANDLE camera, const WCHAR* file_name) {
 BOOL VEXA_CALL Vexa_ReadSettingFileW(HANDLE camera, const WCHAR* file_name) {
   return CallSettings(camera, file_name, [](CSettingFile& settings) {
     settings.Read();
-    return settings.Apply() ? Status() : vexa::error::kLastErrorKept;
+    return RunSteps([&] { return settings.Apply(); });
   });
 }
 

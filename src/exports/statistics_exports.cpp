@@ -40,7 +40,8 @@ BOOL VEXA_CALL Vexa_GetAveragePixelValue(DWORD width, DWORD height, WORD color_a
 }
 
 BOOL VEXA_CALL Vexa_WhiteBalance(HANDLE camera, BYTE* frame) {
-  return CallCamera(camera, [&](CVexaCamera& self) {
+  Status measured;
+  const BOOL corrected = CallCamera(camera, [&](CVexaCamera& self) {
     constexpr auto kMono = static_cast<std::uint16_t>(vexa::imaging::ColorArray::kMono);
     if (frame == nullptr) {
       return vexa::error::kInvalidParameter;
@@ -49,14 +50,13 @@ BOOL VEXA_CALL Vexa_WhiteBalance(HANDLE camera, BYTE* frame) {
       return Status();
     }
     const vexa::settings::ScanMode scan_mode = self.timing().Settings().scan_mode();
-    const Status measured = self.white_balance().Correct(scan_mode.width, scan_mode.height,
-                                                         self.mirror().ColorArray(), frame);
-    if (!measured.ok()) {
-      // Not a failure of the call: the frame is corrected with the gains that are.
-      vexa::platform::SetLastErrorCode(measured);
-    }
+    measured = self.white_balance().Correct(scan_mode.width, scan_mode.height,
+                                            self.mirror().ColorArray(), frame);
     return Status();
   });
+  // Not a failure of the call: the frame is corrected with the gains that are.
+  static_cast<void>(Report(measured));
+  return corrected;
 }
 
 BOOL VEXA_CALL Vexa_DetectDefectPixel(HANDLE camera, DWORD width, DWORD height, const BYTE* frame,

@@ -19,14 +19,8 @@ BOOL SetIo(HANDLE camera, IoRegister io_register, DWORD value) {
 // Runs a getter that sets a 32-bit value to 0 before it reads it.
 template <typename Getter>
 BOOL GetValue(HANDLE camera, DWORD* output, Getter&& getter) {
-  return CallCamera(camera, [&](CVexaCamera& self) {
-    if (output == nullptr) {
-      return vexa::error::kInvalidParameter;
-    }
-    std::uint32_t value = *output;
-    const Status status = getter(self.trigger_io(), &value);
-    *output = value;
-    return status;
+  return CallGetter<std::uint32_t>(camera, output, [&](CVexaCamera& self, std::uint32_t* value) {
+    return getter(self.trigger_io(), value);
   });
 }
 
