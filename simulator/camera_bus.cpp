@@ -28,14 +28,7 @@ CameraBus::~CameraBus() {
 CameraBus& CameraBus::System() {
   static CameraBus bus;
   static const bool filled = [] {
-    bus.Add(ForProduct(0x0510));
-    bus.Add(ForProduct(0x0710));
-    // Two colour cameras under a lamp's light, without and with white balance of their own.
-    for (const std::uint16_t product_id : {std::uint16_t{0x0410}, std::uint16_t{0x0209}}) {
-      CameraConfig config = ForProduct(product_id);
-      config.illuminant = {1.0, 0.72, 0.42};
-      bus.Add(std::move(config));
-    }
+    for (CameraConfig& config : StandardCameras()) bus.Add(std::move(config));
     return true;
   }();
   static_cast<void>(filled);

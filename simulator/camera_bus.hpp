@@ -21,9 +21,7 @@ class CameraBus : public platform::Driver {
   CameraBus(const CameraBus&) = delete;
   CameraBus& operator=(const CameraBus&) = delete;
 
-  /// The bus of the process, with one colour camera (product 0x0510, 1280 x 964), one monochrome
-  /// camera (0x0710, 1360 x 1040), and two colour cameras under a lamp's light, the second with
-  /// white balance of its own (0x0410, 0x0209); made when first asked for.
+  /// The bus of the process, with the standard cameras; made when first asked for.
   static CameraBus& System();
 
   /// Plugs in a new camera behind those that are there.

@@ -80,6 +80,11 @@ const std::vector<std::uint16_t>& KnownProducts();
 /// are not in the table give a monochrome camera without capabilities.
 CameraConfig ForProduct(std::uint16_t product_id);
 
+/// The cameras that are there when nobody has plugged others: one colour camera (product 0x0510,
+/// 1280 x 964), one monochrome camera (0x0710, 1360 x 1040), and two colour cameras under a lamp's
+/// light, the second with white balance of its own (0x0410, 0x0209).
+std::vector<CameraConfig> StandardCameras();
+
 /// Size of the camera's sensor: the reported maximum, or the product's when either is 0.
 SensorSize SensorSizeOf(const CameraConfig& config);
 

@@ -122,6 +122,16 @@ CameraConfig ForProduct(std::uint16_t product_id) {
   return config;
 }
 
+std::vector<CameraConfig> StandardCameras() {
+  std::vector<CameraConfig> cameras;
+  for (const std::uint16_t product_id :
+       std::initializer_list<std::uint16_t>{0x0510, 0x0710, 0x0410, 0x0209}) {
+    cameras.push_back(ForProduct(product_id));
+  }
+  for (std::size_t i = 2; i < cameras.size(); ++i) cameras[i].illuminant = {1.0, 0.72, 0.42};
+  return cameras;
+}
+
 SensorSize SensorSizeOf(const CameraConfig& config) {
   if (config.max_width == 0 || config.max_height == 0) return ProductSensorSize(config.product_id);
   return {config.max_width, config.max_height};

@@ -103,13 +103,27 @@ void StreamEngine::EndReads(const void* owner, Status status) {
   EndMatchingReads(owner, {}, status);
 }
 
-void StreamEngine::EndMatchingReads(const void* owner, std::thread::id thread, Status status) {
+void StreamEngine::CancelRead(const platform::Completion& completion) {
+  const std::lock_guard lock(mutex_);
+  EndReadsIf([&](const Read& read) { return read.completion == &completion; },
+             error::kOperationAborted);
+}
+
+template <typename Chosen>
+void StreamEngine::EndReadsIf(const Chosen& chosen, Status status) {
   std::erase_if(reads_, [&](const Read& read) {
-    const bool chosen = (owner == nullptr || read.owner == owner) &&
-                        (thread == std::thread::id{} || read.thread == thread);
-    if (chosen) Finish(read, status, 0);
-    return chosen;
+    if (!chosen(read)) return false;
+    Finish(read, status, 0);
+    return true;
   });
+}
+
+void StreamEngine::EndMatchingReads(const void* owner, std::thread::id thread, Status status) {
+  const auto chosen = [&](const Read& read) {
+    return (owner == nullptr || read.owner == owner) &&
+           (thread == std::thread::id{} || read.thread == thread);
+  };
+  EndReadsIf(chosen, status);
 }
 
 void StreamEngine::Finish(const Read& read, Status status, std::size_t bytes) {

@@ -59,6 +59,8 @@ class StreamEngine {
   /// Ends an owner's pending reads with 995: those of one thread, or all for a default id. A read
   /// that is being filled at this moment ends with what it gets.
   void CancelReads(const void* owner, std::thread::id thread);
+  /// The same for one read.
+  void CancelRead(const platform::Completion& completion);
   /// Ends all of an owner's pending reads with a code.
   void EndReads(const void* owner, Status status);
   /// Waits until no read of the owner is being filled.
@@ -72,6 +74,7 @@ class StreamEngine {
   std::uint16_t SoftwareStatus() const;
   std::uint64_t frames_made() const { return frames_made_; }
   std::uint64_t frames_dropped() const { return frames_dropped_; }
+  std::uint64_t reads_filled() const { return reads_filled_; }
   std::size_t PendingReads() const { return pending_reads_; }
 
  private:
@@ -98,6 +101,8 @@ class StreamEngine {
 
   bool real_time() const { return config_.pace == Pace::kRealTime; }
   void Wake();
+  template <typename Chosen>
+  void EndReadsIf(const Chosen& chosen, Status status);
   void EndMatchingReads(const void* owner, std::thread::id thread, Status status);
   void Finish(const Read& read, Status status, std::size_t bytes);
 
@@ -151,6 +156,7 @@ class StreamEngine {
 
   std::atomic<std::uint64_t> frames_made_ = 0;
   std::atomic<std::uint64_t> frames_dropped_ = 0;
+  std::atomic<std::uint64_t> reads_filled_ = 0;
   std::atomic<std::size_t> pending_reads_ = 0;
 };
 

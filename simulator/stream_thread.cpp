@@ -72,6 +72,7 @@ bool StreamEngine::SendPart(Lock& lock) {
   serving_bytes_ = bytes;
   lock.unlock();
   CopyPart(frame, begin, read.buffer.first(bytes));
+  ++reads_filled_;
   Finish(read, error::kNone, bytes);
   lock.lock();
   served_owner_ = nullptr;

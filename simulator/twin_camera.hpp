@@ -111,6 +111,8 @@ class TwinCamera {
   /// Frames that went into the camera's memory, and frames whose number was used up without.
   std::uint64_t frames_made() const { return engine_.frames_made(); }
   std::uint64_t frames_dropped() const { return engine_.frames_dropped(); }
+  /// Reads that have taken frames away, whole ones or parts.
+  std::uint64_t reads_filled() const { return engine_.reads_filled(); }
   unsigned OpenHandles() const;
   std::size_t PendingReads() const { return engine_.PendingReads(); }
   bool Streaming() const { return engine_.Running(); }
@@ -128,6 +130,8 @@ class TwinCamera {
   Status QueueRead(const void* device, std::uint64_t plugging, std::span<std::uint8_t> buffer,
                    platform::Completion& completion);
   void CancelReads(const void* device);
+  void CancelRead(const void* device, const platform::Completion& completion);
+  void EndStreamWithoutReads(const void* device);
 
   Status Dispatch(std::uint64_t plugging, platform::ControlCode code,
                   std::span<const std::uint8_t> input, std::span<std::uint8_t> output,

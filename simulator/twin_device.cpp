@@ -34,4 +34,8 @@ Status TwinDevice::FinishRead(platform::Completion& completion, std::uint32_t* t
 
 void TwinDevice::CancelReads() { camera_->CancelReads(this); }
 
+void TwinDevice::CancelRead(const platform::Completion& completion) {
+  camera_->CancelRead(this, completion);
+}
+
 }  // namespace vexa::simulator

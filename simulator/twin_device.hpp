@@ -27,6 +27,8 @@ class TwinDevice : public platform::Device {
   Status QueueRead(std::span<std::uint8_t> buffer, platform::Completion& completion) override;
   Status FinishRead(platform::Completion& completion, std::uint32_t* transferred) override;
   void CancelReads() override;
+  /// Asks for the end of one read, whichever thread has queued it.
+  void CancelRead(const platform::Completion& completion);
 
  private:
   std::shared_ptr<TwinCamera> camera_;

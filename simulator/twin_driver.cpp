@@ -186,6 +186,16 @@ Status TwinCamera::QueueRead(const void* device, std::uint64_t plugging,
 
 void TwinCamera::CancelReads(const void* device) {
   engine_.CancelReads(device, std::this_thread::get_id());
+  EndStreamWithoutReads(device);
+}
+
+void TwinCamera::CancelRead(const void* device, const platform::Completion& completion) {
+  engine_.CancelRead(completion);
+  EndStreamWithoutReads(device);
+}
+
+// Drivers without stream control stream as long as there are reads.
+void TwinCamera::EndStreamWithoutReads(const void* device) {
   bool stops_stream = false;
   {
     const std::lock_guard lock(mutex_);

@@ -1,5 +1,5 @@
 /// \file
-/// Twins on a bus of the test's own, driven through the exports.
+/// Cameras of the test's own, driven through the exports.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -11,8 +11,7 @@
 #include <vector>
 
 #include "VexaAPI.h"
-#include "platform/driver.hpp"
-#include "simulator/twin.hpp"
+#include "cameras.hpp"
 
 namespace vexa::test {
 
@@ -35,23 +34,17 @@ inline std::string Line(const simulator::LoggedRequest& entry) {
 
 class CameraTest : public ::testing::Test {
  protected:
-  CameraTest() {
-    platform::InstallDriver(&bus_);
-    SetLastError(0);
-  }
+  CameraTest() { SetLastError(0); }
 
   ~CameraTest() override {
     for (HANDLE camera : open_) {
       Vexa_Close(camera);
     }
-    platform::InstallDriver(nullptr);
   }
 
-  std::shared_ptr<simulator::TwinCamera> Plug(simulator::CameraConfig config) {
-    return bus_.Add(std::move(config));
-  }
+  std::shared_ptr<Twin> Plug(simulator::CameraConfig config) { return bus_.Add(std::move(config)); }
 
-  std::shared_ptr<simulator::TwinCamera> Plug(std::uint16_t product_id = 0x0510) {
+  std::shared_ptr<Twin> Plug(std::uint16_t product_id = 0x0510) {
     return Plug(simulator::ForProduct(product_id));
   }
 
@@ -71,7 +64,7 @@ class CameraTest : public ::testing::Test {
   }
 
   /// The control requests that reached the camera since the last call.
-  static std::vector<std::string> Wire(simulator::TwinCamera& twin) {
+  static std::vector<std::string> Wire(Twin& twin) {
     std::vector<std::string> lines;
     for (const simulator::LoggedRequest& entry : twin.Log()) {
       if (entry.code == platform::ControlCode::kControlRequest) {
@@ -82,7 +75,7 @@ class CameraTest : public ::testing::Test {
     return lines;
   }
 
-  simulator::CameraBus bus_;
+  TestBus bus_;
 
  private:
   std::vector<HANDLE> open_;

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "camera_fixture.hpp"
-#include "imaging/luma.hpp"
 
 namespace vexa::test {
 namespace {
@@ -168,15 +167,6 @@ TEST_F(ColorTest, ImageGammaShiftsLuminance) {
                               image.data()));
     EXPECT_TRUE(image == expected) << bytes;
     EXPECT_TRUE(bytes == 1 || image[0] == table[77]);  // grey stays grey
-  }
-}
-
-TEST(Luma, PartsAddUpToTheLevel) {
-  for (unsigned i = 0; i < 256; ++i) {
-    ASSERT_EQ(imaging::LumaRedTable[i], std::floor(0.2989 * i + 0.5));
-    ASSERT_EQ(imaging::LumaBlueTable[i], std::floor(0.1145 * i + 0.5));
-    ASSERT_NEAR(imaging::LumaGreenTable[i], 0.5866 * i, 1.0);
-    ASSERT_EQ(imaging::LumaRedTable[i] + imaging::LumaGreenTable[i] + imaging::LumaBlueTable[i], i);
   }
 }
 

@@ -23,7 +23,7 @@ class MemoryTest : public CameraTest {
     return camera;
   }
 
-  std::shared_ptr<simulator::TwinCamera> twin_;
+  std::shared_ptr<Twin> twin_;
 };
 
 TEST_F(MemoryTest, RamTravelsInChunks) {

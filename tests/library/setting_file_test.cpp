@@ -12,8 +12,8 @@
 namespace vexa::test {
 namespace {
 
+using TwinCamera = Twin;
 using simulator::CameraConfig;
-using simulator::TwinCamera;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;

@@ -22,7 +22,7 @@ class SettingsTest : public CameraTest {
     return camera;
   }
 
-  std::shared_ptr<simulator::TwinCamera> twin_;
+  std::shared_ptr<Twin> twin_;
 };
 
 }  // namespace vexa::test

@@ -182,6 +182,7 @@ TEST_F(SnapshotTest, ACallbackFindsItsFrameInTheRingAndNeverWaits) {
   EXPECT_EQ(next.error, 258U);
 }
 
+#if VEXA_TESTS_LOOK_INSIDE
 TEST_F(SnapshotTest, ARingThatNoMachineHoldsIsRefused) {
   OpenFast();
   {
@@ -263,6 +264,7 @@ TEST_F(SnapshotTest, TakingAndStreamingSideBySide) {
   EXPECT_GT(delivered, 10000U);
   ExpectStopped();
 }
+#endif
 
 }  // namespace
 }  // namespace vexa::test

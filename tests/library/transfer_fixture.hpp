@@ -59,7 +59,7 @@ class TransferTest : public CameraTest {
     EXPECT_EQ(twin_->PendingReads(), 0U);
   }
 
-  std::shared_ptr<simulator::TwinCamera> twin_;
+  std::shared_ptr<Twin> twin_;
   HANDLE camera_ = INVALID_HANDLE_VALUE;
 
  private:
