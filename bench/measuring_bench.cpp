@@ -31,7 +31,8 @@ Bytes DarkFrame() {
   return frame;
 }
 
-void Average(const Bytes& frame, std::uint32_t format) {
+void Average(const Bytes& frame, std::uint32_t format,
+             const FrameKernels& kernels = BestFrameKernels()) {
   std::array<float, kPatternPositions> mean{};
   const vexa::Status status = AveragePixelValue({.width = kWidth,
                                                  .height = kHeight,
@@ -40,7 +41,7 @@ void Average(const Bytes& frame, std::uint32_t format) {
                                                  .frame = frame.data(),
                                                  .region_width = kWidth,
                                                  .region_height = kHeight},
-                                                &mean);
+                                                &mean, kernels);
   benchmark::DoNotOptimize(status);
   benchmark::DoNotOptimize(mean);
 }
@@ -127,6 +128,10 @@ Bytes NoiseFrame() { return Noise(kPixels); }
 Bytes DeepNoiseFrame() { return Noise(2 * kPixels); }
 
 void Register() {
+  for (const FrameKernels* kernels : UsableFrameKernels()) {
+    AddOn("average/8bit", kernels->name, NoiseFrame,
+          [kernels](Bytes& frame) { Average(frame, 1, *kernels); });
+  }
   AddOn("average/8bit", "ours", NoiseFrame, [](Bytes& frame) { Average(frame, 1); });
   AddOn("average/16bit", "ours", DeepNoiseFrame, [](Bytes& frame) { Average(frame, 16); });
   AddCopy("average/8bit", kPixels);

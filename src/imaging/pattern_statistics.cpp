@@ -9,67 +9,42 @@
 namespace vexa::imaging {
 namespace {
 
-// Sums of the samples in even and in odd places of a row.
-struct PairSums {
-  std::uint64_t even = 0;
-  std::uint64_t odd = 0;
-};
+// Of the samples in even and in odd places of a row.
+using PairSums = std::uint64_t[2];
 
-// Sums of the samples of kBits in a word's fields of twice as many bits.
-template <unsigned kBits>
+// Sums of words of 16 bits in fields of 32.
 class Lanes {
  public:
-  // So many samples fill a field at most to its end.
-  static constexpr std::size_t kLongest = (std::size_t{1} << kBits) + 1;
+  // So many words fill a field at most to its end.
+  static constexpr std::size_t kLongest = 0x10001;
 
-  void Add(std::uint64_t word) { fields_ += word & kMask; }
-  std::uint64_t Sum() const {
-    std::uint64_t sum = 0;
-    for (unsigned shift = 0; shift < 64; shift += 2 * kBits) {
-      sum += (fields_ >> shift) & kField;
-    }
-    return sum;
-  }
+  void Add(std::uint64_t words) { fields_ += words & 0x0000FFFF'0000FFFF; }
+  std::uint64_t Sum() const { return (fields_ & 0xFFFFFFFF) + (fields_ >> 32); }
 
  private:
-  static constexpr std::uint64_t kField = (std::uint64_t{1} << (2 * kBits)) - 1;
-  // The lower half of each field.
-  static constexpr std::uint64_t kMask = ~std::uint64_t{0} / ((std::uint64_t{1} << kBits) + 1);
-
   std::uint64_t fields_ = 0;
 };
 
-template <typename Sample>
-Sample LoadSample(const std::uint8_t* samples, std::size_t index) {
-  Sample sample = 0;
-  std::memcpy(&sample, samples + index * sizeof(Sample), sizeof(Sample));
-  return sample;
-}
-
-template <typename Sample>
-PairSums SumRow(const std::uint8_t* samples, std::size_t count) {
+void SumWords(const std::uint8_t* samples, std::size_t count, PairSums& sums) {
   static_assert(std::endian::native == std::endian::little, "samples are little-endian");
-  constexpr unsigned kBits = 8 * sizeof(Sample);
-  constexpr std::size_t kPerWord = sizeof(std::uint64_t) / sizeof(Sample);
-  PairSums sums;
+  constexpr std::size_t kAtOnce = 4;
   std::size_t i = 0;
-  while (count - i >= kPerWord) {
-    Lanes<kBits> even;
-    Lanes<kBits> odd;
-    const std::size_t end = i + std::min((count - i) / kPerWord, Lanes<kBits>::kLongest) * kPerWord;
-    for (; i < end; i += kPerWord) {
-      std::uint64_t word = 0;
-      std::memcpy(&word, samples + i * sizeof(Sample), sizeof(word));
-      even.Add(word);
-      odd.Add(word >> kBits);
+  while (count - i >= kAtOnce) {
+    Lanes even;
+    Lanes odd;
+    const std::size_t end = i + std::min((count - i) / kAtOnce, Lanes::kLongest) * kAtOnce;
+    for (; i < end; i += kAtOnce) {
+      std::uint64_t words = 0;
+      std::memcpy(&words, samples + 2 * i, sizeof(words));
+      even.Add(words);
+      odd.Add(words >> 16);
     }
-    sums.even += even.Sum();
-    sums.odd += odd.Sum();
+    sums[0] += even.Sum();
+    sums[1] += odd.Sum();
   }
   for (; i < count; ++i) {
-    (i % 2 == 0 ? sums.even : sums.odd) += LoadSample<Sample>(samples, i);
+    sums[i % 2] += samples[2 * i] | unsigned{samples[2 * i + 1]} << 8;
   }
-  return sums;
 }
 
 // Region [x, end_x) x [y, end_y) of a frame.
@@ -79,17 +54,21 @@ struct Region {
 
 using Sums = std::array<std::uint64_t, kPatternPositions>;
 
-template <typename Sample>
-Sums SumRegion(const AverageRequest& request, const Region& region) {
+Sums SumRegion(const AverageRequest& request, const Region& region, const FrameKernels& kernels) {
+  const bool has_words = request.transfer_format != 1;
   Sums sums{};
   for (std::uint64_t y = region.y; y < region.end_y; ++y) {
-    const std::uint64_t first = y * request.width + region.x;
-    const PairSums row =
-        SumRow<Sample>(request.frame + static_cast<std::size_t>(first) * sizeof(Sample),
-                       static_cast<std::size_t>(region.end_x - region.x));
+    const auto first = static_cast<std::size_t>(y * request.width + region.x);
+    const auto count = static_cast<std::size_t>(region.end_x - region.x);
+    PairSums row{};
+    if (has_words) {
+      SumWords(request.frame + 2 * first, count, row);
+    } else {
+      kernels.sum_pairs(request.frame + first, count, row);
+    }
     const auto left = static_cast<std::size_t>(2 * (y & 1) + (region.x & 1));
-    sums[left] += row.even;
-    sums[left ^ 1] += row.odd;
+    sums[left] += row[0];
+    sums[left ^ 1] += row[1];
   }
   return sums;
 }
@@ -128,8 +107,8 @@ bool FindPatternColors(std::uint16_t color_array, PatternColors* colors) {
   return true;
 }
 
-Status AveragePixelValue(const AverageRequest& request,
-                         std::array<float, kPatternPositions>* mean) {
+Status AveragePixelValue(const AverageRequest& request, std::array<float, kPatternPositions>* mean,
+                         const FrameKernels& kernels) {
   PatternColors colors{};
   const std::uint32_t format = request.transfer_format;
   const bool known_format = std::has_single_bit(format) && format <= 16;
@@ -137,8 +116,7 @@ Status AveragePixelValue(const AverageRequest& request,
     return error::kInvalidParameter;
   }
   const Region region = RegionOf(request);
-  const Sums sums = format == 1 ? SumRegion<std::uint8_t>(request, region)
-                                : SumRegion<std::uint16_t>(request, region);
+  const Sums sums = SumRegion(request, region, kernels);
   if (request.color_array == static_cast<std::uint16_t>(ColorArray::kMono)) {
     const std::uint64_t count = (region.end_x - region.x) * (region.end_y - region.y);
     *mean = {Mean(sums[0] + sums[1] + sums[2] + sums[3], count)};

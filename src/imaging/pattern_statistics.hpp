@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 
+#include "imaging/kernels/frame_kernels.hpp"
 #include "platform/status.hpp"
 
 namespace vexa::imaging {
@@ -38,7 +39,8 @@ struct AverageRequest {
 /// Means of the four positions; of a monochrome frame the mean of all samples and three times 0. A
 /// position without samples has the mean 0. kInvalidParameter, and nothing changed, for another
 /// colour array or transfer format.
-Status AveragePixelValue(const AverageRequest& request, std::array<float, kPatternPositions>* mean);
+Status AveragePixelValue(const AverageRequest& request, std::array<float, kPatternPositions>* mean,
+                         const FrameKernels& kernels = BestFrameKernels());
 
 /// How often each value of 8-bit samples occurs.
 using Histogram = std::array<std::uint32_t, 256>;

@@ -68,6 +68,13 @@ TEST(AveragePixelValue, FollowsTheDefinitionOnEveryRegion) {
                        : std::array<float, 4>{mean(sums[0], counts[0]), mean(sums[1], counts[1]),
                                               mean(sums[2], counts[2]), mean(sums[3], counts[3])};
         EXPECT_EQ(average, expected) << r.width << " from " << r.x << " format " << format;
+        for (const imaging::FrameKernels* version : imaging::UsableFrameKernels()) {
+          ASSERT_TRUE(imaging::AveragePixelValue({r.width, r.height, array, format, frame.data(),
+                                                  r.x, r.y, r.region_width, r.region_height},
+                                                 &average, *version)
+                          .ok());
+          EXPECT_EQ(average, expected) << r.width << " from " << r.x << ", " << version->name;
+        }
       }
     }
   }

@@ -1,6 +1,6 @@
 /// \file
-/// The inner loops of the operations that change a frame in place: mirrors, rotations,
-/// sharpening and noise reduction.
+/// The inner loops of the operations on whole frames: mirrors, rotations, sharpening, noise
+/// reduction and means.
 #pragma once
 
 #include <cstddef>
@@ -71,6 +71,9 @@ struct FrameKernels {
   /// The first i from `from` on with before[i] >= 253 and after[i] < 253; n if there is none.
   std::size_t (*find_desaturated)(const Sample* before, const Sample* after, std::size_t from,
                                   std::size_t n);
+
+  /// sums[i % 2] += samples[i] for i below n
+  void (*sum_pairs)(const Sample* samples, std::size_t n, std::uint64_t (&sums)[2]);
 };
 
 /// Plain C++, on every processor.

@@ -63,6 +63,8 @@ struct Avx2 {
   static Vector AddClamped(Vector a, Vector b) { return _mm256_adds_epu8(a, b); }
   static Vector SubClamped(Vector a, Vector b) { return _mm256_subs_epu8(a, b); }
   static Vector AddWords(Vector a, Vector b) { return _mm256_add_epi16(a, b); }
+  static Vector AddQuads(Vector a, Vector b) { return _mm256_add_epi64(a, b); }
+  static Vector SumsOfEights(Vector v) { return _mm256_sad_epu8(v, Zero()); }
   static Vector SubWords(Vector a, Vector b) { return _mm256_sub_epi16(a, b); }
   static Vector MultiplyHighRounded(Vector a, Vector b) { return _mm256_mulhrs_epi16(a, b); }
   template <int kBits>

@@ -93,6 +93,12 @@ std::size_t FindDesaturated(const Sample* before, const Sample* after, std::size
   return from;
 }
 
+void SumPairs(const Sample* samples, std::size_t n, std::uint64_t (&sums)[2]) {
+  for (std::size_t i = 0; i < n; ++i) {
+    sums[i % 2] += samples[i];
+  }
+}
+
 }  // namespace
 
 constinit const FrameKernels kReferenceFrameKernels = {
@@ -110,6 +116,7 @@ constinit const FrameKernels kReferenceFrameKernels = {
     .limit_bayer = LimitBayer,
     .subtract = Subtract,
     .find_desaturated = FindDesaturated,
+    .sum_pairs = SumPairs,
 };
 
 }  // namespace vexa::imaging

@@ -10,6 +10,7 @@
 #include "imaging/kernels/vector_noise_reduction.hpp"
 #include "imaging/kernels/vector_reordering.hpp"
 #include "imaging/kernels/vector_sharpness.hpp"
+#include "imaging/kernels/vector_sums.hpp"
 
 namespace vexa::imaging {
 
@@ -33,6 +34,7 @@ constexpr FrameKernels MakeFrameKernels(const char* name) {
       .limit_bayer = VectorNoiseReduction<V>::LimitBayer,
       .subtract = VectorNoiseReduction<V>::Subtract,
       .find_desaturated = VectorNoiseReduction<V>::FindDesaturated,
+      .sum_pairs = VectorSums<V>::SumPairs,
   };
 }
 

@@ -51,6 +51,9 @@ struct Sse2 {
   static Vector AddClamped(Vector a, Vector b) { return _mm_adds_epu8(a, b); }
   static Vector SubClamped(Vector a, Vector b) { return _mm_subs_epu8(a, b); }
   static Vector AddWords(Vector a, Vector b) { return _mm_add_epi16(a, b); }
+  static Vector AddQuads(Vector a, Vector b) { return _mm_add_epi64(a, b); }
+  /// Sums of eight samples each, in 64 bits.
+  static Vector SumsOfEights(Vector v) { return _mm_sad_epu8(v, Zero()); }
   static Vector SubWords(Vector a, Vector b) { return _mm_sub_epi16(a, b); }
   template <int kBits>
   static Vector ShiftWordsRight(Vector v) {
