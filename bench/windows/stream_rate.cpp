@@ -1,7 +1,7 @@
 // How much of the driver's rate the library passes on: frames per second through the DLL, beside a
-// bare loop of overlapped reads on the same camera. Both keep four reads queued; the loop's take a
-// frame each. First at the pace that the camera's pixel clock gives, then with frames made as fast
-// as they are taken, where processor time is what limits and the library's share of it shows.
+// bare loop of overlapped reads on the same camera. Both keep four reads of the same size queued.
+// First at the pace that the camera's pixel clock gives, then with frames made as fast as they are
+// taken, where processor time is what limits and the library's share of it shows.
 //
 //   stream_rate [SECONDS [ROUNDS]]    seconds per measurement (default 2), rounds of both (5)
 
@@ -17,6 +17,7 @@
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "VexaAPI.h"
@@ -31,14 +32,15 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t kQueuedReads = 4;
 constexpr DWORD kHeader = 64;
+constexpr DWORD kLongestRead = 0x80000;  // the library's, on Vista and later
 
 struct FrameSize {
   DWORD width, height;
 
   DWORD bytes() const { return kHeader + width * height; }
 
-  /// Header and image, and a USB packet more, so that a frame ends its read.
-  DWORD read_size() const { return bytes() + 512; }
+  /// Room for a USB packet more, so that a frame ends its last read.
+  DWORD read_size() const { return std::min(bytes() + 512, kLongestRead); }
 };
 
 void Check(BOOL succeeded, const char* what) {
@@ -130,12 +132,16 @@ double BareRate(const FrameSize& size, double seconds) {
   }
   const Clock::time_point end = Clock::now() + std::chrono::milliseconds(int(seconds * 1000));
   Meter meter;
-  while (Clock::now() < end) {
-    Read& read = reads[meter.frames % kQueuedReads];
+  DWORD received = 0;
+  for (std::size_t i = 0; Clock::now() < end; ++i) {
+    Read& read = reads[i % kQueuedReads];
     DWORD bytes = 0;
     Check(::GetOverlappedResult(device.handle(), &read.overlapped, &bytes, TRUE), "a read's end");
-    if (bytes != size.bytes()) throw std::runtime_error("not a whole frame");
-    meter.Count();
+    received += bytes;
+    if (bytes < size.read_size()) {
+      if (std::exchange(received, 0) != size.bytes()) throw std::runtime_error("not a whole frame");
+      meter.Count();
+    }
     read.Queue(device.handle());
   }
   ::CancelIo(device.handle());
