@@ -14,14 +14,29 @@ void FrameRing::Reset() {
   for (FrameSlot& slot : slots_) {
     slot.filled = 0;
     slot.ready.Reset();
-    slot.free.Set();
+    slot.free = true;
   }
+}
+
+// The flags are sequentially consistent: either the waiter announces itself early enough to be
+// woken, or it sees that the slot has become free. A wake-up that came too late costs one more
+// turn.
+bool FrameRing::AwaitWriteSlot(const platform::Event& stop) {
+  const FrameSlot& slot = write_slot();
+  while (!slot.free) {
+    freed_.Reset();
+    writer_waits_ = true;
+    if (!slot.free && platform::WaitAny({&stop, &freed_}).index == 0) {
+      return false;
+    }
+  }
+  return true;
 }
 
 void FrameRing::Complete(Status status) {
   FrameSlot& slot = write_slot();
   slot.status = status;
-  slot.free.Reset();
+  slot.free = false;
   slot.ready.Set();
   write_index_ = (write_index_ + 1) % kSlots;
 }
@@ -30,7 +45,10 @@ void FrameRing::Release() {
   FrameSlot& slot = read_slot();
   slot.filled = 0;
   slot.ready.Reset();
-  slot.free.Set();
+  slot.free = true;
+  if (writer_waits_.exchange(false)) {
+    freed_.Set();
+  }
   read_index_ = (read_index_ + 1) % kSlots;
 }
 

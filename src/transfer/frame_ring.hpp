@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -13,14 +14,14 @@
 
 namespace vexa::transfer {
 
-/// One buffer with its owner: the read thread while `free` is set, the transfer thread while
-/// `ready` is set. Each side resets its own event before it sets the other's.
+/// One buffer with its owner: the read thread while it is free, the transfer thread while `ready`
+/// is set.
 struct FrameSlot {
   Status status;  // what ended the slot
   std::unique_ptr<std::uint8_t[]> buffer;
   std::size_t filled = 0;  // bytes in the buffer
-  platform::Event free{platform::Event::Initially::kSignalled};
   platform::Event ready{platform::Event::Initially::kNonSignalled};
+  std::atomic<bool> free{true};
 };
 
 /// Four slots, filled and emptied in turn.
@@ -33,7 +34,9 @@ class FrameRing {
 
   std::size_t capacity() const { return capacity_; }
 
-  /// The slot to fill next, and handing it over. For the read thread.
+  /// Waits until the slot to fill next is free. False when `stop` came instead. For the read
+  /// thread, as are the slot and handing it over.
+  bool AwaitWriteSlot(const platform::Event& stop);
   FrameSlot& write_slot() { return slots_[write_index_]; }
   void Complete(Status status);
 
@@ -47,6 +50,11 @@ class FrameRing {
   const std::size_t capacity_;
   std::size_t write_index_ = 0;
   std::size_t read_index_ = 0;
+  // Nearly always the next slot is free, and nothing but its flag is looked at; setting, resetting
+  // and waiting for an event with every read would cost the system three calls. So the event is set
+  // only when somebody waits for it.
+  std::atomic<bool> writer_waits_{false};
+  platform::Event freed_{platform::Event::Initially::kNonSignalled};
   std::array<FrameSlot, kSlots> slots_;
 };
 

@@ -129,7 +129,7 @@ ReadPipeline::Next ReadPipeline::Finish(ReadRequest& request) {
     static_cast<void>(device::StopStream(device_));
     restart_ = true;
   } else {
-    if (!AwaitWriteSlot()) {
+    if (!ring_.AwaitWriteSlot(stop_)) {
       return Next::kEnd;
     }
     ring_.Complete(status);
@@ -141,8 +141,8 @@ ReadPipeline::Next ReadPipeline::Finish(ReadRequest& request) {
 }
 
 ReadPipeline::Next ReadPipeline::HandOver(ReadRequest& request, std::size_t received) {
-  if (!AwaitWriteSlot()) {
-    return Next::kEnd;
+  if (!ring_.AwaitWriteSlot(stop_)) {
+    return Next::kEnd;  // the data at hand is dropped
   }
   FrameSlot& slot = ring_.write_slot();
   if (one_read_per_frame_) {
@@ -162,15 +162,10 @@ ReadPipeline::Next ReadPipeline::HandOver(ReadRequest& request, std::size_t rece
 }
 
 ReadPipeline::Next ReadPipeline::EndWith(Status status) {
-  if (AwaitWriteSlot()) {
+  if (ring_.AwaitWriteSlot(stop_)) {
     ring_.Complete(status);
   }
   return Next::kEnd;
-}
-
-// False when the thread is to stop; the data at hand is then dropped.
-bool ReadPipeline::AwaitWriteSlot() {
-  return platform::WaitAny({&stop_, &ring_.write_slot().free}).index != 0;
 }
 
 void ReadPipeline::EndQueuedReads() {

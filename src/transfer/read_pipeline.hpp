@@ -49,7 +49,6 @@ class ReadPipeline {
   Next Finish(ReadRequest& request);
   Next HandOver(ReadRequest& request, std::size_t received);
   Next EndWith(Status status);
-  bool AwaitWriteSlot();
   void EndQueuedReads();
 
   platform::Device& device_;
