@@ -1398,7 +1398,7 @@ VEXA_API BOOL VEXA_CALL Vexa_GetColorMatrix(HANDLE camera, BYTE* mode, short* ma
  * @param camera     the camera.
  * @param mode       VEXA_HUE_SATURATION_OFF (stores hue 0 and saturation 100) or
  *                   VEXA_HUE_SATURATION_ON.
- * @param hue        tenths of a degree, -32768 to 32767.
+ * @param hue        tenths of a degree, -32768 to 32767; above 0 red turns towards magenta.
  * @param saturation hundredths: 0 makes grey, 100 changes nothing.
  * @return 0 for another mode; nothing is changed, the last error neither.
  */

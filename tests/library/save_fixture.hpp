@@ -12,20 +12,15 @@
 #include <vector>
 
 #include "VexaAPI.h"
+#include "platform/temporary_folder.hpp"
 
 namespace vexa::test {
 
 using Bytes = std::vector<std::uint8_t>;
 
-class SaveTest : public ::testing::Test {
+class SaveTest : public ::testing::Test, public TemporaryFolder {
  protected:
-  SaveTest()
-      : folder_(std::filesystem::temp_directory_path() /
-                ("vexa-save-" + std::to_string(reinterpret_cast<std::uintptr_t>(this)))) {
-    std::filesystem::create_directories(folder_);
-    SetLastError(0);
-  }
-  ~SaveTest() override { std::filesystem::remove_all(folder_); }
+  SaveTest() { SetLastError(0); }
 
   BOOL Save(DWORD width, DWORD height, DWORD format, const Bytes& image, const std::string& name,
             DWORD jpeg_compression = 0) {
@@ -47,8 +42,6 @@ class SaveTest : public ::testing::Test {
     }
     return bytes;
   }
-
-  std::filesystem::path folder_;
 };
 
 }  // namespace vexa::test

@@ -4,11 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
+
+#include "platform/temporary_folder.hpp"
 
 namespace vexa::test {
 
@@ -21,18 +22,9 @@ inline std::string Utf16Le(const std::string& text) {
   return bytes;
 }
 
-class TemporaryProfile {
+class TemporaryProfile : public TemporaryFolder {
  protected:
-  TemporaryProfile() {
-    const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
-    const auto seed = std::chrono::steady_clock::now().time_since_epoch().count();
-    folder_ = std::filesystem::temp_directory_path() /
-              ("vexa-" + std::string(test->name()) + std::to_string(seed));
-    std::filesystem::create_directories(folder_);
-    file_ = folder_ / "settings.ini";
-    path_ = file_.u16string();
-  }
-  ~TemporaryProfile() { std::filesystem::remove_all(folder_); }
+  TemporaryProfile() : file_(folder_ / "settings.ini"), path_(file_.u16string()) {}
 
   void Put(const std::string& bytes) { std::ofstream(file_, std::ios::binary) << bytes; }
   std::string Get() const {
@@ -53,7 +45,6 @@ class TemporaryProfile {
     return text;
   }
 
-  std::filesystem::path folder_;
   std::filesystem::path file_;
   std::u16string path_;
 };
