@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "VexaAPI.h"
+#include "library/answers.hpp"
 
 namespace vexa::test {
 
