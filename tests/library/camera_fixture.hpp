@@ -6,11 +6,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "VexaAPI.h"
+#include "answers.hpp"
 #include "cameras.hpp"
 
 namespace vexa::test {
@@ -32,6 +34,15 @@ inline std::string Line(const simulator::LoggedRequest& entry) {
   return line + (entry.data.empty() ? "[]" : "]");
 }
 
+using Lines = std::vector<std::string>;
+using Call = std::function<BOOL()>;
+
+/// A call that succeeds, and what it sends.
+struct WireCase {
+  Call call;
+  Lines wire;
+};
+
 class CameraTest : public ::testing::Test {
  protected:
   CameraTest() { SetLastError(0); }
@@ -42,10 +53,17 @@ class CameraTest : public ::testing::Test {
     }
   }
 
-  std::shared_ptr<Twin> Plug(simulator::CameraConfig config) { return bus_.Add(std::move(config)); }
+  std::shared_ptr<Twin> Plug(simulator::CameraConfig config) {
+    return plugged_.emplace_back(bus_.Add(std::move(config)));
+  }
 
   std::shared_ptr<Twin> Plug(std::uint16_t product_id = 0x0510) {
     return Plug(simulator::ForProduct(product_id));
+  }
+
+  void Remove(std::shared_ptr<Twin> twin) {
+    std::erase(plugged_, twin);
+    bus_.Remove(twin);
   }
 
   /// Opens a camera that the fixture closes.
@@ -58,14 +76,28 @@ class CameraTest : public ::testing::Test {
     return camera;
   }
 
+  /// Opens a camera of this kind, the only one plugged in: those before it are closed and removed.
+  HANDLE OpenOnly(simulator::CameraConfig config) {
+    while (!open_.empty()) {
+      Close(open_.back());
+    }
+    while (!plugged_.empty()) {
+      Remove(plugged_.back());
+    }
+    twin_ = Plug(std::move(config));
+    HANDLE camera = Open();
+    twin_->ClearLog();
+    return camera;
+  }
+
   void Close(HANDLE camera) {
     std::erase(open_, camera);
     Vexa_Close(camera);
   }
 
   /// The control requests that reached the camera since the last call.
-  static std::vector<std::string> Wire(Twin& twin) {
-    std::vector<std::string> lines;
+  static Lines Wire(Twin& twin) {
+    Lines lines;
     for (const simulator::LoggedRequest& entry : twin.Log()) {
       if (entry.code == platform::ControlCode::kControlRequest) {
         lines.push_back(Line(entry));
@@ -75,9 +107,25 @@ class CameraTest : public ::testing::Test {
     return lines;
   }
 
+  static void ExpectOnWire(Twin& twin, const std::vector<WireCase>& cases) {
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+      EXPECT_TRUE(cases[i].call()) << "case " << i << ": error " << GetLastError();
+      EXPECT_EQ(Wire(twin), cases[i].wire) << "case " << i;
+    }
+  }
+
+  /// Each of the calls fails with ERROR_INVALID_PARAMETER.
+  static void ExpectRefused(const std::vector<Call>& calls) {
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+      EXPECT_EQ(ErrorOf(calls[i]()), 87U) << "call " << i;
+    }
+  }
+
   TestBus bus_;
+  std::shared_ptr<Twin> twin_;  // of OpenOnly
 
  private:
+  std::vector<std::shared_ptr<Twin>> plugged_;
   std::vector<HANDLE> open_;
 };
 

@@ -10,20 +10,14 @@ namespace {
 
 using ::testing::ElementsAre;
 using Bytes = std::vector<BYTE>;
-using Lines = std::vector<std::string>;
 
 class MemoryTest : public CameraTest {
  protected:
   HANDLE OpenFirmware(std::uint16_t firmware, std::uint16_t product_id = 0x0510) {
     simulator::CameraConfig config = simulator::ForProduct(product_id);
     config.firmware = firmware;
-    twin_ = Plug(config);
-    HANDLE camera = Open();
-    twin_->ClearLog();
-    return camera;
+    return OpenOnly(config);
   }
-
-  std::shared_ptr<Twin> twin_;
 };
 
 TEST_F(MemoryTest, RamTravelsInChunks) {
@@ -70,11 +64,9 @@ TEST_F(MemoryTest, ChunksThatFailOrStopShort) {
   DWORD total = 99;
   const simulator::RequestMatcher second{.request = 0xA0, .value = std::uint16_t{0x1000}};
   twin_->LimitControl(second, 0, 1);
-  EXPECT_FALSE(Vexa_WriteRAM(camera, 0, 0x1FFF, data.data(), &total));
-  EXPECT_EQ(GetLastError(), 31U);
+  EXPECT_EQ(ErrorOf(Vexa_WriteRAM(camera, 0, 0x1FFF, data.data(), &total)), 31U);
   twin_->FailControl(second, 121, 1);
-  EXPECT_FALSE(Vexa_ReadRAM(camera, 0, 0x1FFF, data.data(), &total));
-  EXPECT_EQ(GetLastError(), 121U);
+  EXPECT_EQ(ErrorOf(Vexa_ReadRAM(camera, 0, 0x1FFF, data.data(), &total)), 121U);
   EXPECT_EQ(total, 99U);
   EXPECT_EQ(Wire(*twin_).size(), 4U);
   twin_->LimitControl({.request = 0xA0}, 100, 1);
@@ -115,15 +107,13 @@ TEST_F(MemoryTest, TheUserAreaFollowsTheFirmwareAndStays) {
     EXPECT_STREQ(text.data(), "Ofen 3");
     EXPECT_EQ(Wire(*twin_), test.requests);
     EXPECT_TRUE(Vexa_ReadUserMemory(camera, nullptr, 1024, 0));
-    EXPECT_FALSE(Vexa_ReadUserMemory(camera, data.data(), 1000, 25) ||
-                 Vexa_WriteUserMemory(camera, data.data(), 65535, 65535) ||
-                 Vexa_ReadUserMemory(camera, nullptr, 0, 1) ||
-                 Vexa_WriteRAM(camera, 0, 0, nullptr, nullptr) ||
-                 Vexa_ReadCameraUserIDW(camera, nullptr, nullptr, 2));
-    EXPECT_EQ(GetLastError(), 87U);
+    EXPECT_EQ(ErrorOf(Vexa_ReadUserMemory(camera, data.data(), 1000, 25) ||
+                      Vexa_WriteUserMemory(camera, data.data(), 65535, 65535) ||
+                      Vexa_ReadUserMemory(camera, nullptr, 0, 1) ||
+                      Vexa_WriteRAM(camera, 0, 0, nullptr, nullptr) ||
+                      Vexa_ReadCameraUserIDW(camera, nullptr, nullptr, 2)),
+              87U);
     EXPECT_TRUE(Wire(*twin_).empty());
-    Close(camera);
-    bus_.Remove(twin_);
   }
 }
 
@@ -183,14 +173,12 @@ TEST_F(MemoryTest, UserIdTextsInBothForms) {
       expected[test.wanted_wide ? 2 * i : i] = static_cast<BYTE>(test.text[i]);
     }
     DWORD number = 0;
-    SetLastError(0);
     void* const out = buffer.data();
     const BOOL read =
         test.wanted_wide
             ? Vexa_ReadCameraUserIDW(camera, &number, static_cast<WCHAR*>(out), test.size)
             : Vexa_ReadCameraUserIDA(camera, &number, static_cast<CHAR*>(out), test.size);
-    EXPECT_EQ(read, test.error == 0);
-    EXPECT_EQ(GetLastError(), test.error);
+    EXPECT_EQ(ErrorOf(read), test.error);
     EXPECT_EQ(number, 77U);
     EXPECT_EQ(buffer, expected);
   }

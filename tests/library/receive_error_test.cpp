@@ -75,26 +75,21 @@ TEST_F(ReceiveErrorTest, GeneralFailureWithoutStreamControlRecovers) {
 }
 
 TEST_F(ReceiveErrorTest, LosingTheDeviceEndsTheTransferWithOneError) {
-  struct Case {
-    const char* name;
-    std::function<void()> fault;
-  };
-  const Case cases[] = {
+  const std::pair<const char*, std::function<void()>> cases[] = {
       {"unplugged", [&] { twin_->Unplug(); }},
       {"access denied", [&] { twin_->FailReads(5, 1); }},
       {"reads refused with 1167", [&] { twin_->RefuseReads(1167, 1); }},
       {"reads refused for good", [&] { twin_->RefuseReads(1450, kForever); }},
   };
-  for (const Case& test : cases) {
+  for (const auto& [name, fault] : cases) {
     OpenFast();
     Recorder& recorder = Record();
     ASSERT_TRUE(Vexa_StartTransfer(camera_));
-    ASSERT_TRUE(recorder.AwaitFrames(3)) << test.name;
-    test.fault();
-    ASSERT_TRUE(recorder.AwaitErrors(1)) << test.name;
+    ASSERT_TRUE(recorder.AwaitFrames(3)) << name;
+    fault();
+    ASSERT_TRUE(recorder.AwaitErrors(1)) << name;
     ExpectStopped();
-    EXPECT_THAT(recorder.errors(), ElementsAre(5)) << test.name;
-    Discard();
+    EXPECT_THAT(recorder.errors(), ElementsAre(5)) << name;
   }
 }
 
@@ -110,12 +105,10 @@ TEST_F(ReceiveErrorTest, UnplugDuringRequestsAndStop) {
     twin_->Unplug();
   });
   DWORD frequency = 0;
-  EXPECT_FALSE(Vexa_GetClock(camera_, nullptr, &frequency));
-  EXPECT_EQ(GetLastError(), 1167U);
+  EXPECT_EQ(ErrorOf(Vexa_GetClock(camera_, nullptr, &frequency)), 1167U);
   puller.join();
   ExpectStopped();
-  EXPECT_FALSE(Vexa_StartTransfer(camera_));
-  EXPECT_EQ(GetLastError(), 1167U);
+  EXPECT_EQ(ErrorOf(Vexa_StartTransfer(camera_)), 1167U);
 
   for (int i = 0; i < 20; ++i) {
     twin_->Replug();
@@ -152,9 +145,8 @@ TEST_F(ReceiveErrorTest, StopsWhateverTheCameraDoes) {
     ASSERT_TRUE(Vexa_StartTransfer(camera_)) << name;
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     ExpectStopped();
-    const auto twin = twin_;
-    Discard();
-    EXPECT_EQ(twin->OpenHandles(), 0U) << name;
+    Close(camera_);
+    EXPECT_EQ(twin_->OpenHandles(), 0U) << name;
   }
 }
 

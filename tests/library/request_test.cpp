@@ -11,7 +11,6 @@ namespace {
 using simulator::CameraConfig;
 using simulator::ForProduct;
 using ::testing::ElementsAre;
-using Lines = std::vector<std::string>;
 
 class RequestTest : public SettingsTest {};
 
@@ -21,105 +20,76 @@ TEST_F(RequestTest, RequestsOnTheWire) {
   DWORD value = 0;
   DWORD returned = 0;
   BYTE byte[4];
-  struct Case {
-    const char* name;
-    std::function<BOOL()> call;
-    Lines wire;
-  };
   const Lines kRefresh = {"C0 12 0000 0000 +64"};
   const auto then = [](Lines lines, const Lines& more) {
     lines.insert(lines.end(), more.begin(), more.end());
     return lines;
   };
-  const Case cases[] = {
-      {"vendor request out",
-       [&] { return Vexa_VendorRequest(camera, 0x40, 0x20, 0, 0, 0, nullptr, nullptr); },
+  const std::vector<WireCase> cases = {
+      {[&] { return Vexa_VendorRequest(camera, 0x40, 0x20, 0, 0, 0, nullptr, nullptr); },
        {"40 20 0000 0000 []"}},
-      {"vendor request in",
-       [&] { return Vexa_VendorRequest(camera, 0xC0, 0x22, 0, 0, 10, data.data(), &returned); },
+      {[&] { return Vexa_VendorRequest(camera, 0xC0, 0x22, 0, 0, 10, data.data(), &returned); },
        {"C0 22 0000 0000 +10"}},
-      {"registers in, high bits ignored",
-       [&] { return Vexa_GetFPGAData(camera, 0, 0x85, 0x86, data.data()); },
+      // Registers in, high bits ignored.
+      {[&] { return Vexa_GetFPGAData(camera, 0, 0x85, 0x86, data.data()); },
        {"C0 80 0085 0000 +4"}},
-      {"registers out",
-       [&] {
+      {[&] {
          data = {0x11, 0x22, 0x33, 0x44};
          return Vexa_SetFPGAData(camera, 16, 3, 4, data.data());
        },
        {"40 80 0003 0010 [11 22 33 44]"}},
-      {"JBA",
-       [&] { return Vexa_GetJBARegister(camera, 127, 127, data.data()); },
-       {"C0 80 00FF 004C +2"}},
-      {"IOA",
-       [&] { return Vexa_GetIOARegister(camera, 0, 1, data.data()); },
-       {"C0 80 0080 0010 +4"}},
-      {"ITA",
-       [&] {
+      {[&] { return Vexa_GetJBARegister(camera, 127, 127, data.data()); }, {"C0 80 00FF 004C +2"}},
+      {[&] { return Vexa_GetIOARegister(camera, 0, 1, data.data()); }, {"C0 80 0080 0010 +4"}},
+      {[&] {
          data = {0xAA, 0xBB};
          return Vexa_SetITARegister(camera, 9, 9, data.data());
        },
        {"40 80 0009 0020 [AA BB]"}},
-      {"reset, two bits", [&] { return Vexa_ResetCamera(camera, 7); }, {"40 80 0050 0000 [30 00]"}},
-      {"reset counter", [&] { return Vexa_ResetCounter(camera); }, {"40 80 0050 0000 [03 00]"}},
-      {"clear", [&] { return Vexa_ClearBuffer(camera); }, {"40 20 0000 0000 []"}},
-      {"clock",
-       [&] { return Vexa_SetClock(camera, 1, 0x02625A00); },
+      // Reset, two bits.
+      {[&] { return Vexa_ResetCamera(camera, 7); }, {"40 80 0050 0000 [30 00]"}},
+      {[&] { return Vexa_ResetCounter(camera); }, {"40 80 0050 0000 [03 00]"}},
+      {[&] { return Vexa_ClearBuffer(camera); }, {"40 20 0000 0000 []"}},
+      {[&] { return Vexa_SetClock(camera, 1, 0x02625A00); },
        {"40 22 0000 0000 [0A 22 01 00 00 00 00 5A 62 02]"}},
-      {"skipping and binning", [&] { return Vexa_SetSkippingAndBinning(camera, 1, 2, 3, 4); },
+      {[&] { return Vexa_SetSkippingAndBinning(camera, 1, 2, 3, 4); },
        then({"40 80 0021 0000 [24 13]", "40 80 0050 0000 [01 00]"}, kRefresh)},
-      {"skipping and binning back",
-       [&] {
+      {[&] {
          const BOOL read =
              Vexa_GetSkippingAndBinning(camera, &byte[0], &byte[1], &byte[2], &byte[3]);
          EXPECT_THAT(byte, ElementsAre(1, 2, 3, 4));
          return read;
        },
        {"C0 80 00A1 0000 +2"}},
-      {"blanking", [&] { return Vexa_SetVBlankForFPS(camera, 0x10005); },
+      {[&] { return Vexa_SetVBlankForFPS(camera, 0x10005); },
        then({"40 80 0017 0000 [05 00]", "40 80 0050 0000 [01 00]"}, kRefresh)},
-      {"blanking back",
-       [&] { return Vexa_GetVBlankForFPS(camera, &value) && value == 5 ? TRUE : FALSE; },
-       {"C0 80 0097 0000 +2"}},
-      {"format, unsupported bits dropped",
-       [&] { return Vexa_SetTransferBitsPerPixel(camera, 0x0402); },
+      {[&] { return Get(camera, Vexa_GetVBlankForFPS) == 5; }, {"C0 80 0097 0000 +2"}},
+      // Format, unsupported bits dropped.
+      {[&] { return Vexa_SetTransferBitsPerPixel(camera, 0x0402); },
        {"40 13 0000 0000 [06 13 02 00 00 00]"}},
-      {"mirror",
-       [&] { return Vexa_SetMirrorMode(camera, 0xF0); },
+      {[&] { return Vexa_SetMirrorMode(camera, 0xF0); },
        {"40 80 003F 0000 [03 00]", "40 80 0050 0000 [01 00]"}},
-      {"trigger mode",
-       [&] { return Vexa_SetTriggerMode(camera, 0x00012401); },
+      {[&] { return Vexa_SetTriggerMode(camera, 0x00012401); },
        {"40 80 8030 0000 [01 24 01 00]", "40 20 0000 0000 []"}},
-      {"trigger mode back",
-       [&] { return Vexa_GetTriggerMode(camera, &value) && value == 0x12401 ? TRUE : FALSE; },
-       {"C0 80 0030 0000 +4"}},
-      {"timing",
-       [&] { return Vexa_SetTriggerTiming(camera, 5, 0x01020304); },
+      {[&] { return Get(camera, Vexa_GetTriggerMode) == 0x12401; }, {"C0 80 0030 0000 +4"}},
+      {[&] { return Vexa_SetTriggerTiming(camera, 5, 0x01020304); },
        {"40 80 803C 0000 [04 03 02 01]"}},
-      {"timing back",
-       [&] { return Vexa_GetTriggerTiming(camera, 0, &value); },
-       {"C0 80 0032 0000 +4"}},
-      {"direction",
-       [&] { return Vexa_SetIOPinDirection(camera, 0x70003); },
-       {"40 80 8000 0000 [03 00]"}},
-      {"polarity", [&] { return Vexa_SetIOPinPolarity(camera, 1); }, {"40 80 8001 0000 [01 00]"}},
-      {"pins", [&] { return Vexa_SetIOPinStatus(camera, 4); }, {"40 80 8002 0000 [04 00]"}},
-      {"pin mode, low byte of the pin",
-       [&] { return Vexa_SetIOPinMode(camera, 0x3102, 9); },
-       {"40 80 8006 0000 [09 00]"}},
-      {"pin mode back",
-       [&] { return Vexa_GetIOPinMode(camera, 2, &value) && value == 9 ? TRUE : FALSE; },
-       {"C0 80 0006 0000 +2"}},
-      {"LED", [&] { return Vexa_SetLEDStatus(camera, 0x10001); }, {"40 80 800F 0000 [01 00]"}},
-      {"status word", [&] { return Vexa_GetSwStatus(camera, &value); }, {"C0 80 0066 0000 +2"}},
-      {"soft trigger", [&] { return Vexa_SoftTrigger(camera); }, {"40 30 0000 0000 []"}},
-      {"sub-trigger", [&] { return Vexa_SoftSubTrigger(camera); }, {"40 80 0050 0000 [00 40]"}},
-      {"SDRAM", [&] { return Vexa_ReadSDRAMTrigger(camera); }, {"40 80 0050 0000 [00 01]"}},
-      {"read-out", [&] { return Vexa_TriggerReadOut(camera); }, {"40 80 0050 0000 [05 00]"}},
+      {[&] { return Vexa_GetTriggerTiming(camera, 0, &value); }, {"C0 80 0032 0000 +4"}},
+      {[&] { return Vexa_SetDigitalGain(camera, 0x0234); }, {"40 80 8014 0000 [34 02]"}},
+      {[&] { return Get(camera, Vexa_GetDigitalGain) == 0x0234; }, {"C0 80 0014 0000 +2"}},
+      {[&] { return Vexa_SetIOPinDirection(camera, 0x70003); }, {"40 80 8000 0000 [03 00]"}},
+      {[&] { return Vexa_SetIOPinPolarity(camera, 1); }, {"40 80 8001 0000 [01 00]"}},
+      {[&] { return Vexa_SetIOPinStatus(camera, 4); }, {"40 80 8002 0000 [04 00]"}},
+      // Pin mode, low byte of the pin.
+      {[&] { return Vexa_SetIOPinMode(camera, 0x3102, 9); }, {"40 80 8006 0000 [09 00]"}},
+      {[&] { return Vexa_GetIOPinMode(camera, 2, &value) && value == 9; }, {"C0 80 0006 0000 +2"}},
+      {[&] { return Vexa_SetLEDStatus(camera, 0x10001); }, {"40 80 800F 0000 [01 00]"}},
+      {[&] { return Vexa_GetSwStatus(camera, &value); }, {"C0 80 0066 0000 +2"}},
+      {[&] { return Vexa_SoftTrigger(camera); }, {"40 30 0000 0000 []"}},
+      {[&] { return Vexa_SoftSubTrigger(camera); }, {"40 80 0050 0000 [00 40]"}},
+      {[&] { return Vexa_ReadSDRAMTrigger(camera); }, {"40 80 0050 0000 [00 01]"}},
+      {[&] { return Vexa_TriggerReadOut(camera); }, {"40 80 0050 0000 [05 00]"}},
   };
-  for (const Case& test : cases) {
-    EXPECT_TRUE(test.call()) << test.name << ": error " << GetLastError();
-    EXPECT_EQ(Wire(*twin_), test.wire) << test.name;
-  }
+  ExpectOnWire(*twin_, cases);
   EXPECT_EQ(returned, 10U);
 }
 
@@ -156,47 +126,39 @@ TEST_F(RequestTest, RefusesWithoutSending) {
   DWORD value = 77;
   WORD word = 0;
   BYTE byte = 0;
-  const std::vector<std::pair<const char*, std::function<BOOL()>>> refused = {
-      {"reversed registers", [&] { return Vexa_GetFPGAData(camera, 0, 5, 4, data); }},
-      {"null data", [&] { return Vexa_SetFPGAData(camera, 0, 5, 5, nullptr); }},
-      {"JBA 128", [&] { return Vexa_SetJBARegister(camera, 128, 128, data); }},
-      {"IOA 128", [&] { return Vexa_GetIOARegister(camera, 0, 128, data); }},
-      {"null buffer",
-       [&] { return Vexa_VendorRequest(camera, 0xC0, 0x11, 0, 0, 4, nullptr, &value); }},
-      {"legacy registers", [&] { return Vexa_GetFPGAData(legacy, 0, 1, 1, data); }},
-      {"legacy reset", [&] { return Vexa_ResetCamera(legacy, 0); }},
-      {"legacy trigger mode", [&] { return Vexa_SetTriggerMode(legacy, 0); }},
-      {"legacy binning", [&] { return Vexa_SetSkippingAndBinning(legacy, 0, 0, 0, 0); }},
-      {"sub-trigger source", [&] { return Vexa_SetTriggerMode(camera, 0x2001); }},
-      {"timing 6", [&] { return Vexa_SetTriggerTiming(camera, 6, 0); }},
-      {"timing 6 back", [&] { return Vexa_GetTriggerTiming(camera, 6, &value); }},
-      {"pin 4", [&] { return Vexa_SetIOPinMode(camera, 4, 0); }},
-      {"pin 0x3104 back", [&] { return Vexa_GetIOPinMode(camera, 0x3104, &value); }},
-      {"blanking", [&] { return Vexa_SetVBlankForFPS(camera, 1); }},
-      {"blanking back", [&] { return Vexa_GetVBlankForFPS(camera, &value); }},
-      {"format", [&] { return Vexa_SetTransferBitsPerPixel(camera, 0x0006); }},
-      {"mirror", [&] { return Vexa_SetMirrorMode(camera, 0x10); }},
-      {"time-out 4", [&] { return Vexa_SetTimeOut(camera, 4, 1); }},
-      {"time-out 4 back", [&] { return Vexa_GetTimeOut(camera, 4, &value); }},
-      {"camera setting", [&] { return Vexa_CameraSetting(legacy, 1); }},
-      {"null output", [&] { return Vexa_GetShutterMaxClock(camera, nullptr); }},
-  };
-  for (const auto& [name, call] : refused) {
-    SetLastError(0);
-    EXPECT_FALSE(call()) << name;
-    EXPECT_EQ(GetLastError(), 87U) << name;
-  }
+  ExpectRefused({
+      [&] { return Vexa_GetFPGAData(camera, 0, 5, 4, data); },
+      [&] { return Vexa_SetFPGAData(camera, 0, 5, 5, nullptr); },
+      [&] { return Vexa_SetJBARegister(camera, 128, 128, data); },
+      [&] { return Vexa_GetIOARegister(camera, 0, 128, data); },
+      [&] { return Vexa_VendorRequest(camera, 0xC0, 0x11, 0, 0, 4, nullptr, &value); },
+      [&] { return Vexa_GetFPGAData(legacy, 0, 1, 1, data); },
+      [&] { return Vexa_ResetCamera(legacy, 0); },
+      [&] { return Vexa_SetTriggerMode(legacy, 0); },
+      [&] { return Vexa_SetSkippingAndBinning(legacy, 0, 0, 0, 0); },
+      [&] { return Vexa_SetTriggerMode(camera, 0x2001); },
+      [&] { return Vexa_SetTriggerTiming(camera, 6, 0); },
+      [&] { return Vexa_GetTriggerTiming(camera, 6, &value); },
+      [&] { return Vexa_SetIOPinMode(camera, 4, 0); },
+      [&] { return Vexa_GetIOPinMode(camera, 0x3104, &value); },
+      [&] { return Vexa_SetVBlankForFPS(camera, 1); },
+      [&] { return Vexa_GetVBlankForFPS(camera, &value); },
+      [&] { return Vexa_SetTransferBitsPerPixel(camera, 0x0006); },
+      [&] { return Vexa_SetMirrorMode(camera, 0x10); },
+      [&] { return Vexa_SetTimeOut(camera, 4, 1); },
+      [&] { return Vexa_GetTimeOut(camera, 4, &value); },
+      [&] { return Vexa_CameraSetting(legacy, 1); },
+      [&] { return Vexa_GetShutterMaxClock(camera, nullptr); },
+  });
   // What such models answer themselves: success, and still nothing sent.
-  EXPECT_TRUE(Vexa_GetTriggerMode(legacy, &value));
-  EXPECT_EQ(value, 0U);
+  EXPECT_EQ(Get(legacy, Vexa_GetTriggerMode), 0U);
   EXPECT_TRUE(Vexa_SetMirrorMode(camera, 0x0F));
   EXPECT_TRUE(Vexa_GetMirrorMode(camera, &byte));
   EXPECT_TRUE(Vexa_GetScanMode(camera, nullptr, nullptr, nullptr, nullptr, nullptr));
   EXPECT_TRUE(Vexa_GetFrameClock(camera, &word, nullptr));
   EXPECT_EQ(Vexa_SetTransferMode(camera, 5), 5U);
   EXPECT_EQ(Vexa_SetTransferMode(camera, 0), 0U);
-  EXPECT_TRUE(Vexa_GetTransferMode(camera, &value));
-  EXPECT_EQ(value, 0U);
+  EXPECT_EQ(Get(camera, Vexa_GetTransferMode), 0U);
   EXPECT_TRUE(Wire(*plain).empty());
   EXPECT_TRUE(Wire(*legacy_twin).empty());
   // The other registers go to every model; the camera answers.
@@ -216,42 +178,33 @@ TEST_F(RequestTest, FailedRequestsPassTheirCodeOnAndStopTheSequence) {
   twin_->FailControl({.request = 0x80}, 121, 1);
   EXPECT_FALSE(Vexa_GetIOPinStatus(camera, &value));
   EXPECT_EQ(value, 0U);
+  WORD gain = 5;
+  twin_->FailControl({.request = 0x80}, 121, 1);
+  EXPECT_FALSE(Vexa_GetDigitalGain(camera, &gain));
+  EXPECT_EQ(gain, 0);
   twin_->FailControl({.request = 0x13}, 121, 1);
   EXPECT_FALSE(Vexa_SetTransferBitsPerPixel(camera, 2));
-  EXPECT_TRUE(Vexa_GetTransferBitsPerPixel(camera, &value));
-  EXPECT_EQ(value, 1U);
+  EXPECT_EQ(Get(camera, Vexa_GetTransferBitsPerPixel), 1U);
   DWORD width = 0;
   EXPECT_TRUE(Vexa_SetScanMode(camera, 1, 0, 0, 640, 480));
   twin_->FailControl({.request = 0x12, .device_to_host = true}, 121, 1);
   EXPECT_FALSE(Vexa_SetScanMode(camera, 1, 0, 0, 320, 240));
   EXPECT_TRUE(Vexa_GetScanMode(camera, nullptr, nullptr, nullptr, &width, nullptr));
   EXPECT_EQ(width, 640U) << "the copy keeps what was read last";
-  twin_->FailControl({.request = 0x80}, 31, 1);
-  EXPECT_FALSE(Vexa_SetMirrorMode(camera, 0x30));
-  WORD colour = 0;
-  EXPECT_TRUE(Vexa_GetColorArray(camera, &colour));
-  EXPECT_EQ(colour, 5) << "the colour array follows the mode asked for";
 }
 
 TEST_F(RequestTest, ColourArrayFollowsTheMirror) {
   for (std::uint16_t sensor = 1; sensor <= 5; ++sensor) {
     CameraConfig config = ForProduct(0x0510);
     config.colour_array = sensor;
-    const auto twin = Plug(config);
-    HANDLE camera = Open();
+    HANDLE camera = OpenOnly(config);
     constexpr std::uint16_t kTable[4][5] = {
         {1, 2, 3, 4, 5}, {1, 3, 2, 5, 4}, {1, 4, 5, 2, 3}, {1, 5, 4, 3, 2}};
     for (int bits = 0; bits < 4; ++bits) {
-      WORD code = 0;
-      BYTE mode = 0xFF;
       EXPECT_TRUE(Vexa_SetMirrorMode(camera, static_cast<BYTE>(bits << 4)));
-      EXPECT_TRUE(Vexa_GetMirrorMode(camera, &mode));
-      EXPECT_EQ(mode, bits << 4);
-      EXPECT_TRUE(Vexa_GetColorArray(camera, &code));
-      EXPECT_EQ(code, kTable[bits][sensor - 1]);
+      EXPECT_EQ(Get(camera, Vexa_GetMirrorMode), bits << 4);
+      EXPECT_EQ(Get(camera, Vexa_GetColorArray), kTable[bits][sensor - 1]);
     }
-    Close(camera);
-    bus_.Remove(twin);
   }
 }
 

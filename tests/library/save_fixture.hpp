@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "VexaAPI.h"
+#include "library/answers.hpp"
 #include "platform/temporary_folder.hpp"
 
 namespace vexa::test {

@@ -2,8 +2,6 @@
 /// A twin with every capability whose settings are under test.
 #pragma once
 
-#include <memory>
-
 #include "camera_fixture.hpp"
 
 namespace vexa::test {
@@ -16,13 +14,8 @@ class SettingsTest : public CameraTest {
     config.capabilities =
         ~std::uint64_t{1ULL << 48 | 1ULL << 20};  // the host computes limits, rate
     config.transfer_formats = 0x0007;
-    twin_ = Plug(config);
-    HANDLE camera = Open();
-    twin_->ClearLog();
-    return camera;
+    return OpenOnly(config);
   }
-
-  std::shared_ptr<Twin> twin_;
 };
 
 }  // namespace vexa::test

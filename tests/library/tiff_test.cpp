@@ -2,10 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <array>
-#include <optional>
-
 #include "cameras.hpp"
 #include "library/allocation_counter.hpp"
 #include "library/save_fixture.hpp"
@@ -19,64 +15,43 @@ enum Variant { kGrey8, kGrey16, kColor24, kColor32 };
 constexpr DWORD kWidth = 5;
 constexpr DWORD kHeight = 3;
 
-using Values = std::array<std::optional<DWORD>, 4>;  // by variant; nothing: no such entry
-constexpr std::optional<DWORD> kNone;
-
 struct Entry {
-  std::uint16_t tag;
-  std::uint16_t type;
-  std::array<DWORD, 4> count;
-  Values value;
+  std::uint16_t tag, type;
+  int count[4], value[4];  // by variant; no count: no such entry
 };
-const Entry kEntries[] = {
-    {0x100, 3, {1, 1, 1, 1}, Values{5, 5, 5, 5}},
-    {0x101, 3, {1, 1, 1, 1}, Values{3, 3, 3, 3}},
-    {0x102, 3, {1, 1, 3, 4}, Values{8, 16, 174, 186}},
-    {0x103, 3, {1, 1, 1, 1}, Values{1, 1, 1, 1}},
-    {0x106, 3, {1, 1, 1, 1}, Values{1, 1, 2, 2}},
-    {0x111, 4, {1, 1, 1, 1}, Values{162, 162, 180, 194}},
-    {0x115, 3, {1, 1, 1, 1}, Values{kNone, kNone, 3, 4}},
-    {0x116, 3, {1, 1, 1, 1}, Values{3, 3, 3, 3}},
-    {0x117, 4, {1, 1, 1, 1}, Values{15, 30, 45, 60}},
-    {0x11A, 5, {1, 1, 1, 1}, Values{146, 146, 158, 170}},
-    {0x11B, 5, {1, 1, 1, 1}, Values{154, 154, 166, 178}},
-    {0x128, 3, {1, 1, 1, 1}, Values{2, 2, 2, 2}},
-    {0x152, 3, {1, 1, 1, 1}, Values{kNone, kNone, kNone, 0}},
-};
-
-class Writer {
- public:
-  void Word(std::uint16_t value) {
-    bytes.resize(bytes.size() + 2);
-    StoreLe16(bytes, bytes.size() - 2, value);
-  }
-  void Long(DWORD value) {
-    bytes.resize(bytes.size() + 4);
-    StoreLe32(bytes, bytes.size() - 4, value);
-  }
-  Bytes bytes;
+constexpr Entry kEntries[] = {
+    {0x100, 3, {1, 1, 1, 1}, {5, 5, 5, 5}},         {0x101, 3, {1, 1, 1, 1}, {3, 3, 3, 3}},
+    {0x102, 3, {1, 1, 3, 4}, {8, 16, 174, 186}},    {0x103, 3, {1, 1, 1, 1}, {1, 1, 1, 1}},
+    {0x106, 3, {1, 1, 1, 1}, {1, 1, 2, 2}},         {0x111, 4, {1, 1, 1, 1}, {162, 162, 180, 194}},
+    {0x115, 3, {0, 0, 1, 1}, {0, 0, 3, 4}},         {0x116, 3, {1, 1, 1, 1}, {3, 3, 3, 3}},
+    {0x117, 4, {1, 1, 1, 1}, {15, 30, 45, 60}},     {0x11A, 5, {1, 1, 1, 1}, {146, 146, 158, 170}},
+    {0x11B, 5, {1, 1, 1, 1}, {154, 154, 166, 178}}, {0x128, 3, {1, 1, 1, 1}, {2, 2, 2, 2}},
+    {0x152, 3, {0, 0, 0, 1}, {0, 0, 0, 0}},
 };
 
 Bytes ExpectedHeader(Variant variant) {
-  Writer header;
-  header.bytes = {'I', 'I', 42, 0, 8, 0, 0, 0};
-  header.Word(std::array<std::uint16_t, 4>{11, 11, 12, 13}[variant]);
+  Bytes header = {'I', 'I', 42, 0, 8, 0, 0, 0};
+  const auto add = [&](std::size_t size, int value) {
+    header.resize(header.size() + 4);
+    StoreLe32(header, header.size() - 4, static_cast<DWORD>(value));
+    header.resize(header.size() - 4 + size);
+  };
+  add(2, variant == kColor32 ? 13 : variant == kColor24 ? 12 : 11);
   for (const Entry& entry : kEntries) {
-    if (entry.value[variant]) {
-      header.Word(entry.tag);
-      header.Word(entry.type);
-      header.Long(entry.count[variant]);
-      header.Long(*entry.value[variant]);
+    if (entry.count[variant] != 0) {
+      add(2, entry.tag);
+      add(2, entry.type);
+      add(4, entry.count[variant]);
+      add(4, entry.value[variant]);
     }
   }
-  header.Long(0);
-  for (const DWORD part : {720000, 10000, 720000, 10000}) {
-    header.Long(part);
+  for (const int value : {0, 720000, 10000, 720000, 10000}) {
+    add(4, value);
   }
   for (int i = variant == kColor24 ? 3 : variant == kColor32 ? 4 : 0; i > 0; --i) {
-    header.Word(8);
+    add(2, 8);
   }
-  return header.bytes;
+  return header;
 }
 
 using TiffTest = SaveTest;
@@ -126,11 +101,9 @@ TEST_F(TiffTest, WithoutMemoryTheLastErrorStays) {
   const Bytes pixel(1);  // not looked at before there is memory
   const AllocationLimit limit(1 << 20);
   SetLastError(4711);
-  EXPECT_FALSE(Save(30000, 30000, 1, pixel, "a.tif"));
-  EXPECT_EQ(GetLastError(), 4711U);
+  EXPECT_EQ(ErrorOf(Save(30000, 30000, 1, pixel, "a.tif")), 4711U);
   EXPECT_EQ(std::filesystem::file_size(folder_ / "a.tif"), 0U);
-  EXPECT_FALSE(Save(30000, 30000, 1, pixel, "a.bmp"));
-  EXPECT_EQ(GetLastError(), 8U);
+  EXPECT_EQ(ErrorOf(Save(30000, 30000, 1, pixel, "a.bmp")), 8U);
   EXPECT_EQ(std::filesystem::file_size(folder_ / "a.bmp"), 0U);
 }
 #endif

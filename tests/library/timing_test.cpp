@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 
+#include "platform/bytes.hpp"
 #include "settings/gain_curve.hpp"
 #include "settings_fixture.hpp"
 #include "transfer/frame_layout.hpp"
@@ -14,7 +15,6 @@ namespace {
 using simulator::CameraConfig;
 using simulator::ForProduct;
 using ::testing::ElementsAre;
-using Lines = std::vector<std::string>;
 
 class TimingTest : public SettingsTest {};
 
@@ -27,65 +27,53 @@ TEST_F(TimingTest, ScanModeAndExposureLimits) {
             "40 12 0000 0000 [40 12 53 43 56 31 80 02 00 00 E0 01 00 00 10 00 00 00 08 00 00 00 "
             "01 00 00");
   WORD lines = 0, clocks = 0;
-  DWORD shutter = 0, shortest = 0, longest = 0;
   EXPECT_TRUE(Vexa_GetFrameClock(camera, &lines, &clocks));
-  EXPECT_TRUE(Vexa_GetShutterMaxClock(camera, &shutter));
-  EXPECT_TRUE(Vexa_GetMaxShortExposureClock(camera, &shortest));
-  EXPECT_TRUE(Vexa_GetMaxLongExposureClock(camera, &longest));
-  EXPECT_EQ(shutter, clocks - 1U);
-  EXPECT_EQ(shortest, DWORD{lines} * clocks);
-  EXPECT_EQ(longest, 4090U * clocks);
+  EXPECT_EQ(Get(camera, Vexa_GetShutterMaxClock), clocks - 1U);
+  EXPECT_EQ(Get(camera, Vexa_GetMaxShortExposureClock), DWORD{lines} * clocks);
+  EXPECT_EQ(Get(camera, Vexa_GetMaxLongExposureClock), 4090U * clocks);
   // In the skipping and binning mode the longest exposure is one frame.
   EXPECT_TRUE(Vexa_SetScanMode(camera, 0x8000, 0, 0, 640, 480));
   EXPECT_TRUE(Vexa_GetFrameClock(camera, &lines, &clocks));
-  EXPECT_TRUE(Vexa_GetMaxLongExposureClock(camera, &longest));
-  EXPECT_EQ(longest, DWORD{lines} * clocks);
+  EXPECT_EQ(Get(camera, Vexa_GetMaxLongExposureClock), DWORD{lines} * clocks);
 }
 
-TEST_F(TimingTest, ExposureTravelsAsLinesAndRemainder) {
+TEST_F(TimingTest, GainAndExposureShareABlockWhoseRestGoesBackAsItCame) {
   HANDLE camera = OpenComplete();
-  DWORD shutter = 0;
-  ASSERT_TRUE(Vexa_GetShutterMaxClock(camera, &shutter));
-  const DWORD line = shutter + 1;
-  std::array<BYTE, 64> before{};
-  ASSERT_TRUE(Vexa_VendorRequest(camera, 0xC0, 0x21, 0, 0, 64, before.data(), nullptr));
-  const DWORD exposure = 70000 * line + 500;  // more lines than 16 bits hold
-  EXPECT_TRUE(Vexa_SetExposureClock(camera, exposure));
-  const Lines wire = Wire(*twin_);
-  ASSERT_EQ(wire.size(), 3U);
-  std::string expected = "40 21 0000 0000 [";
-  before[2] = 70000 & 0xFF;
-  before[3] = (70000 >> 8) & 0xFF;
-  before[10] = 1;
-  before[11] = 0;
-  before[4] = 500 & 0xFF;
-  before[5] = 500 >> 8;
-  for (std::size_t i = 0; i < before.size(); ++i) {
-    char text[8];
-    std::snprintf(text, sizeof text, "%s%02X", i == 0 ? "" : " ", before[i]);
-    expected += text;
-  }
-  EXPECT_EQ(wire[2], expected + "]") << "all other bytes go back as they came";
-  EXPECT_TRUE(Vexa_SetExposureClock(camera, 2 * line + 500));
-  DWORD clock = 0;
-  EXPECT_TRUE(Vexa_GetExposureClock(camera, &clock));
-  EXPECT_EQ(clock, 2 * line + 500);
-  clock = 5;
-  twin_->FailControl({.request = 0x21}, 121, 1);
-  EXPECT_FALSE(Vexa_GetExposureClock(camera, &clock));
-  EXPECT_EQ(clock, 5U);
+  const DWORD line = Get(camera, Vexa_GetShutterMaxClock) + 1;
+  const auto block = [&] {
+    std::array<BYTE, 64> bytes{};
+    EXPECT_TRUE(Vexa_VendorRequest(camera, 0xC0, 0x21, 0, 0, 64, bytes.data(), nullptr));
+    return bytes;
+  };
+  std::array<BYTE, 64> expected = block();
+  EXPECT_TRUE(Vexa_SetExposureClock(camera, 70000 * line + 500));  // more lines than 16 bits hold
+  StoreLe16(expected, 2, 70000 & 0xFFFF);
+  StoreLe16(expected, 4, 500);
+  StoreLe16(expected, 10, 1);
+  EXPECT_EQ(block(), expected);
+  EXPECT_EQ(Get(camera, Vexa_GetExposureClock), 70000 * line + 500);
+  EXPECT_TRUE(Vexa_SetGain(camera, 0xFE));
+  StoreLe16(expected, 6, 0xFE);
+  EXPECT_EQ(block(), expected);
+  EXPECT_EQ(Get(camera, Vexa_GetGain), 0xFE);
+  Wire(*twin_);
+  DWORD clock = 5;
+  WORD gain = 5;
+  twin_->FailControl({.request = 0x21, .device_to_host = true}, 121, 4);
+  EXPECT_FALSE(Vexa_GetExposureClock(camera, &clock) || Vexa_SetExposureClock(camera, 1) ||
+               Vexa_GetGain(camera, &gain) || Vexa_SetGain(camera, 1));
+  EXPECT_TRUE(clock == 5 && gain == 5) << "a failed read stores nothing";
+  EXPECT_EQ(Wire(*twin_).size(), 4U) << "nothing is written after a failed read";
 }
 
 TEST_F(TimingTest, ExposureTimesAndFrameRate) {
   HANDLE camera = OpenComplete();
-  DWORD frequency = 0, longest = 0, shortest = 0, clock = 0;
-  WORD lines = 0, clocks = 0;
-  float seconds = -1, fps = 0;
+  DWORD frequency = 0, clock = 0;
+  float seconds = -1, fps = 9;
   ASSERT_TRUE(Vexa_SetScanMode(camera, 4, 0, 0, 640, 480));
   ASSERT_TRUE(Vexa_GetClock(camera, nullptr, &frequency));
-  ASSERT_TRUE(Vexa_GetMaxLongExposureClock(camera, &longest));
-  ASSERT_TRUE(Vexa_GetMaxShortExposureClock(camera, &shortest));
-  ASSERT_TRUE(Vexa_GetFrameClock(camera, &lines, &clocks));
+  const DWORD longest = Get(camera, Vexa_GetMaxLongExposureClock);
+  const DWORD shortest = Get(camera, Vexa_GetMaxShortExposureClock);
   struct Case {
     float seconds;
     double clock;
@@ -103,17 +91,15 @@ TEST_F(TimingTest, ExposureTimesAndFrameRate) {
 
   // In this mode an exposure of three frames makes the rate a third.
   ASSERT_TRUE(Vexa_SetExposureClock(camera, 10));
-  EXPECT_TRUE(Vexa_GetOutputFPS(camera, &fps));
-  EXPECT_FLOAT_EQ(fps, static_cast<float>(double(frequency) / shortest));
+  EXPECT_FLOAT_EQ(Get(camera, Vexa_GetOutputFPS), static_cast<float>(double(frequency) / shortest));
   ASSERT_TRUE(Vexa_SetExposureClock(camera, 3 * shortest));
-  EXPECT_TRUE(Vexa_GetOutputFPS(camera, &fps));
-  EXPECT_FLOAT_EQ(fps, static_cast<float>(double(frequency) / (3.0 * shortest)));
+  EXPECT_FLOAT_EQ(Get(camera, Vexa_GetOutputFPS),
+                  static_cast<float>(double(frequency) / (3.0 * shortest)));
   twin_->FailControl({.request = 0x22}, 121, 1);
   EXPECT_FALSE(Vexa_GetOutputFPS(camera, &fps));
   EXPECT_EQ(fps, 0.0F);
   twin_->FailControl({.request = 0x22}, 121, 1);
-  EXPECT_FALSE(Vexa_GetExposureClockFromTime(camera, 1, &clock));
-  EXPECT_EQ(GetLastError(), 121U);
+  EXPECT_EQ(ErrorOf(Vexa_GetExposureClockFromTime(camera, 1, &clock)), 121U);
 }
 
 TEST_F(TimingTest, ExposureOfTheLargeSensorsCountsBinnedLines) {
@@ -144,14 +130,11 @@ TEST_F(TimingTest, ExposureOfTheLargeSensorsCountsBinnedLines) {
 TEST_F(TimingTest, FrameRateMeasuredByTheCamera) {
   CameraConfig config = ForProduct(0x0109);
   config.capabilities |= 1ULL << 20;
-  const auto twin = Plug(config);
-  HANDLE camera = Open();
-  twin->ClearLog();
-  float fps = 0;
-  EXPECT_TRUE(Vexa_GetOutputFPS(camera, &fps));
-  EXPECT_THAT(Wire(*twin), ElementsAre("C0 80 00D6 0000 +4"));
+  HANDLE camera = OpenOnly(config);
+  const float fps = Get(camera, Vexa_GetOutputFPS);
+  EXPECT_THAT(Wire(*twin_), ElementsAre("C0 80 00D6 0000 +4"));
   EXPECT_EQ(fps,
-            static_cast<float>(twin->PeekRegister(0, 87) + twin->PeekRegister(0, 86) / 65536.0));
+            static_cast<float>(twin_->PeekRegister(0, 87) + twin_->PeekRegister(0, 86) / 65536.0));
 }
 
 #if VEXA_TESTS_LOOK_INSIDE
@@ -184,29 +167,11 @@ TEST_F(TimingTest, GainCurves) {
 }
 
 TEST_F(TimingTest, FrameSizes) {
-  struct Format {
-    std::uint32_t code;
-    double factor;
-  };
-  for (const Format& format : {Format{0x0001, 1},
-                               {0x0002, 2},
-                               {0x0004, 2},
-                               {0x0008, 2},
-                               {0x0010, 2},
-                               {0x0020, 1},
-                               {0x0040, 2},
-                               {0x0080, 2},
-                               {0x0100, 2},
-                               {0x0200, 2},
-                               {0x0400, 3},
-                               {0x0800, 4},
-                               {0x1000, 1.5},
-                               {0x2000, 2},
-                               {0x4000, 3},
-                               {0x8000, 1},
-                               {0x0003, 1}}) {
-    EXPECT_EQ(transfer::ImageSize(format.code, 64, 48), 64 * 48 * format.factor) << format.code;
+  constexpr double kFactors[16] = {1, 2, 2, 2, 2, 1, 2, 2, 2, 2, 3, 4, 1.5, 2, 3, 1};
+  for (std::uint32_t bit = 0; bit < 16; ++bit) {
+    EXPECT_EQ(transfer::ImageSize(1U << bit, 64, 48), 64 * 48 * kFactors[bit]) << bit;
   }
+  EXPECT_EQ(transfer::ImageSize(3, 64, 48), 64U * 48) << "no format";
   EXPECT_EQ(transfer::ImageSize(0x1000, 3, 3), 13U);
 
   using device::UsbSpeed;

@@ -19,7 +19,7 @@ inline constexpr std::array<std::uint32_t, 4> kNoStreamControl = {1, 0, 0, 0};
 
 class TransferTest : public CameraTest {
  protected:
-  // A camera with small frames and no pauses between them.
+  /// The only camera, with small frames and no pauses between them.
   HANDLE OpenFast(std::uint32_t width = 64, std::uint32_t height = 48,
                   const std::function<void(simulator::CameraConfig&)>& change = {}) {
     simulator::CameraConfig config = simulator::ForProduct(0x0510);
@@ -28,8 +28,8 @@ class TransferTest : public CameraTest {
     if (change) {
       change(config);
     }
-    twin_ = Plug(config);
-    camera_ = Open();
+    recorder_.reset();
+    camera_ = OpenOnly(config);
     EXPECT_TRUE(Vexa_SetScanMode(camera_, 1, 0, 0, width, height)) << GetLastError();
     return camera_;
   }
@@ -40,18 +40,18 @@ class TransferTest : public CameraTest {
     return camera_;
   }
 
-  /// Records what the open camera's callbacks are told, until the next Record or Discard.
+  /// Records what the open camera's callbacks are told, until the next Record or OpenFast.
   Recorder& Record() {
     recorder_.reset();
     recorder_ = std::make_unique<Recorder>(camera_);
     return *recorder_;
   }
 
-  /// Closes and removes the camera, so that another one can take its place.
+  /// Closes and removes the camera.
   void Discard() {
     recorder_.reset();
     Close(camera_);
-    bus_.Remove(twin_);
+    Remove(twin_);
   }
 
   void ExpectStopped() {
@@ -59,7 +59,6 @@ class TransferTest : public CameraTest {
     EXPECT_EQ(twin_->PendingReads(), 0U);
   }
 
-  std::shared_ptr<Twin> twin_;
   HANDLE camera_ = INVALID_HANDLE_VALUE;
 
  private:

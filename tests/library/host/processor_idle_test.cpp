@@ -98,10 +98,8 @@ TEST_F(ProcessorIdleTest, OnlyTheirOwnBitsChange) {
   EXPECT_EQ(store_.idle_policies[2].type, 7U);
   EXPECT_EQ(Get(), std::pair(1, 1));
   // Windows XP.
-  PowerStore xp;
-  xp.version = {2, 5, 1};
-  xp.processor_policy.fill(0xA5);
-  Start(xp);
+  StartVersion({2, 5, 1});
+  store_.processor_policy.fill(0xA5);
   ASSERT_TRUE(Vexa_SetProcessorIdleState(1, 0));
   for (const std::size_t offset : kFlags) {
     EXPECT_EQ(store_.processor_policy[offset], offset < 100 ? 0xA7 : 0xA5);
@@ -163,11 +161,7 @@ TEST_F(ProcessorIdleTest, AMissingLibraryOrFunctionFailsEveryCall) {
   none.load_error = 126;
   Start(none);
   expect_failure(126, "no library");
-  struct Case {
-    platform::OsVersion version;
-    std::vector<std::string> required;
-  };
-  const Case cases[] = {
+  const std::pair<platform::OsVersion, std::vector<std::string>> required[] = {
       {{2, 6, 1},
        {"PowerGetActiveScheme", "PowerSetActiveScheme", "PowerReadACValueIndex",
         "PowerReadDCValueIndex", "PowerWriteACValueIndex", "PowerWriteDCValueIndex",
@@ -176,10 +170,10 @@ TEST_F(ProcessorIdleTest, AMissingLibraryOrFunctionFailsEveryCall) {
        {"GetActivePwrScheme", "SetActivePwrScheme", "ReadProcessorPwrScheme",
         "WriteProcessorPwrScheme"}},
   };
-  for (const Case& test : cases) {
-    for (const std::string& name : test.required) {
+  for (const auto& [version, names] : required) {
+    for (const std::string& name : names) {
       PowerStore store;
-      store.version = test.version;
+      store.version = version;
       store.missing = {name};
       Start(store);
       expect_failure(127, name);
